@@ -138,6 +138,13 @@ private:
          : (::Tev::Debug::ReportFailure(#p_condition, TEV_SIGNATURE),            \
             static_cast<void>(p_condition), false))
 
+// ensure_as(condition, "text"): as ensure, reporting the given condition
+// text where the condition as written cannot be compiled as it reads.
+#define ensure_as(p_condition, p_text)                                           \
+    (static_cast<bool>(p_condition)                                              \
+         ? true                                                                  \
+         : (::Tev::Debug::ReportFailure(p_text, TEV_SIGNATURE), false))
+
 // chkrng(value, low, high): low <= value <= high.
 #define chkrng(p_value, p_low, p_high) ensure((p_value) >= (p_low) && (p_value) <= (p_high))
 

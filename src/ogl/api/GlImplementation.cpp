@@ -1,0 +1,126 @@
+#include "ogl/api/GlImplementation.h"
+
+#include "framework/debug/Debug.h"
+#include "ogl/api/ApiExceptions.h"
+
+#include <dlfcn.h>
+#include <link.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <vector>
+
+namespace Tev::Chart::Ogl::Detail {
+
+struct GlImplementation::Handles {
+    void* gl = nullptr;
+    void* glu = nullptr;
+    void* shim = nullptr;
+    Lmid_t lmid = LM_ID_BASE;
+    using CtypeInit = void (*)();
+    CtypeInit ctypeInit = nullptr;
+};
+
+ImplementationFiles ImplementationFiles::System() {
+    ImplementationFiles files;
+    files.isSystem = true;
+    files.gl = "libGL.so.1";
+    files.glPackage = "libgl1";
+    files.glu = "libGLU.so.1";
+    files.gluPackage = "libglu1-mesa";
+    files.procAddress = "glXGetProcAddressARB";
+    return files;
+}
+
+ImplementationFiles ImplementationFiles::Mesa() {
+    ImplementationFiles files;
+    files.isSystem = false;
+    files.gl = "libOSMesa.so.8";
+    files.glPackage = "libosmesa6";
+    files.glu = "libGLU.so.1";
+    files.gluPackage = "libglu1-mesa";
+    files.procAddress = "OSMesaGetProcAddress";
+    files.privateNamespace = true;
+    files.namespaceShim = DefaultNamespaceShim();
+    return files;
+}
+
+std::string DefaultNamespaceShim() {
+    Dl_info info{};
+    if (!dladdr(reinterpret_cast<void*>(&DefaultNamespaceShim), &info) || !info.dli_fname) return {};
+    std::filesystem::path const library = info.dli_fname;
+    return (library.parent_path() / TEVOGL_PRIVATE_DIR / "libOpenGL.so.0").string();
+}
+
+namespace {
+
+[[noreturn]] void ThrowUnloadable(std::string const& p_library, std::string const& p_package) {
+    char const* why = dlerror();
+    std::string reason = "Unable to load library (" + std::string(why ? why : "not found") + ")";
+    if (!p_package.empty()) reason += "; install the Debian package " + p_package;
+    throw IncompleteOglImpl(p_library, reason);
+}
+
+void* Open(Lmid_t* p_lmid, std::string const& p_file, std::string const& p_package) {
+    void* handle = p_lmid ? dlmopen(*p_lmid, p_file.c_str(), RTLD_NOW | RTLD_LOCAL)
+                          : dlopen(p_file.c_str(), RTLD_NOW | RTLD_LOCAL);
+    if (!handle) ThrowUnloadable(p_file, p_package);
+    return handle;
+}
+
+}  // namespace
+
+GlImplementation::GlImplementation(ImplementationFiles p_files)
+    : _files(std::move(p_files)), _handles(std::make_unique<Handles>()) {
+    Handles& h = *_handles;
+    Lmid_t* lmid = nullptr;
+    if (_files.privateNamespace) {
+        // The shim goes first and creates the namespace: GLU's dependency on
+        // libOpenGL.so.0 is then already satisfied there, by OSMesa.
+        h.lmid = LM_ID_NEWLM;
+        h.shim = Open(&h.lmid, _files.namespaceShim, "");
+        dlinfo(h.shim, RTLD_DI_LMID, &h.lmid);
+        lmid = &h.lmid;
+    }
+    h.gl = Open(lmid, _files.gl, _files.glPackage);
+    h.glu = Open(lmid, _files.glu, _files.gluPackage);
+    _procAddress = reinterpret_cast<ProcAddressFn>(dlsym(h.gl, _files.procAddress.c_str()));
+    if (_files.privateNamespace) {
+        void* libc = dlmopen(h.lmid, "libc.so.6", RTLD_NOW | RTLD_NOLOAD);
+        if (libc) h.ctypeInit = reinterpret_cast<Handles::CtypeInit>(dlsym(libc, "__ctype_init"));
+        ensure(h.ctypeInit && "The Mesa namespace's libc offers no __ctype_init");
+        PrepareThread();
+    }
+}
+
+GlImplementation::~GlImplementation() {
+    // A private namespace cannot be given back reliably once Mesa's LLVM has
+    // run in it; its libraries stay loaded.
+    if (_files.privateNamespace) return;
+    if (_handles->glu) dlclose(_handles->glu);
+    if (_handles->gl) dlclose(_handles->gl);
+}
+
+GlImplementation const& GlImplementation::System() {
+    static GlImplementation const* const system = new GlImplementation(ImplementationFiles::System());
+    return *system;
+}
+
+GlImplementation const& GlImplementation::Mesa() {
+    static GlImplementation const* const mesa = new GlImplementation(ImplementationFiles::Mesa());
+    return *mesa;
+}
+
+void* GlImplementation::FindGl(char const* p_symbol) const { return dlsym(_handles->gl, p_symbol); }
+
+void* GlImplementation::FindGlu(char const* p_symbol) const { return dlsym(_handles->glu, p_symbol); }
+
+void GlImplementation::PrepareThread() const {
+    if (!_handles->ctypeInit) return;
+    thread_local std::vector<Lmid_t> prepared;
+    if (std::find(prepared.begin(), prepared.end(), _handles->lmid) != prepared.end()) return;
+    _handles->ctypeInit();
+    prepared.push_back(_handles->lmid);
+}
+
+}  // namespace Tev::Chart::Ogl::Detail

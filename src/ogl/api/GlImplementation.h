@@ -1,0 +1,77 @@
+// One loaded GL implementation: its GL and GLU libraries and the function
+// that finds its extension entries. The system implementation is opened in
+// the process's own namespace; the Mesa one in a private link-map namespace
+// of its own, so that its GL, GLU and their dependencies never meet the
+// system libGL.
+#pragma once
+
+#include "ogl/api/Export.h"
+
+#include <memory>
+#include <string>
+
+namespace Tev::Chart::Ogl::Detail {
+
+// glXGetProcAddressARB and OSMesaGetProcAddress differ only in the pointee
+// type of their argument; both are called through this type.
+using ProcAddressFn = void* (*)(char const*);
+
+// The files that make up one implementation. Tests point these at test-only
+// libraries to play incomplete drivers.
+struct ImplementationFiles {
+    bool isSystem = true;
+    std::string gl;             // the library that exports the GL 1.1 entries
+    std::string glPackage;      // the Debian package that installs it
+    std::string glu;            // the GLU library
+    std::string gluPackage;
+    std::string procAddress;    // the extension lookup, exported by gl
+    // Mesa only: load into a new link-map namespace, this library first.
+    bool privateNamespace = false;
+    std::string namespaceShim;
+
+    static ImplementationFiles System();
+    static ImplementationFiles Mesa();
+};
+
+class TEVOGL_API GlImplementation {
+public:
+    // Opens the libraries. Throws IncompleteOglImpl naming the library and
+    // its package when one cannot be opened.
+    explicit GlImplementation(ImplementationFiles p_files);
+    GlImplementation(GlImplementation const&) = delete;
+    GlImplementation& operator=(GlImplementation const&) = delete;
+    ~GlImplementation();
+
+    // The process-wide implementations, opened on first use and kept for the
+    // life of the process: contexts may outlive any one user, and glibc has
+    // only sixteen link-map namespaces to give.
+    static GlImplementation const& System();
+    static GlImplementation const& Mesa();
+
+    bool IsSystem() const { return _files.isSystem; }
+    ImplementationFiles const& Files() const { return _files; }
+
+    void* FindGl(char const* p_symbol) const;
+    void* FindGlu(char const* p_symbol) const;
+    // Null when the library does not export it.
+    ProcAddressFn ProcAddressFunction() const { return _procAddress; }
+
+    // Must run on every thread before that thread uses a private-namespace
+    // implementation: the namespace's own libc sets up its per-thread ctype
+    // tables only on the thread that loaded it, and Mesa's LLVM crashes
+    // without them. Cheap after the first call on a thread; a no-op for the
+    // system implementation.
+    void PrepareThread() const;
+
+private:
+    struct Handles;
+    ImplementationFiles _files;
+    std::unique_ptr<Handles> _handles;
+    ProcAddressFn _procAddress = nullptr;
+};
+
+// Where the libOpenGL.so.0 shim of the Mesa namespace lives: the private
+// folder beside the library binary.
+std::string DefaultNamespaceShim();
+
+}  // namespace Tev::Chart::Ogl::Detail

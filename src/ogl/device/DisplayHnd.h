@@ -1,0 +1,33 @@
+// A shared handle to a display: an X display connection, or the marker of
+// the OSMesa display, which has no window system behind it.
+#pragma once
+
+#include "ogl/api/Export.h"
+
+#include <memory>
+
+struct _XDisplay;
+
+namespace Tev::Chart::Ogl {
+
+class TEVOGL_API DisplayHnd {
+public:
+    // No display.
+    DisplayHnd() = default;
+    // Shares an open X display connection; it is closed when the last copy
+    // of the handle goes.
+    explicit DisplayHnd(std::shared_ptr<_XDisplay> p_display);
+
+    // Marks rendering into OSMesa memory buffers.
+    static DisplayHnd const OSMesaDisplay;
+
+    bool IsOSMesa() const;
+    _XDisplay* XDisplay() const;
+    explicit operator bool() const { return _display != nullptr; }
+    bool operator==(DisplayHnd const& p_rhs) const;
+
+private:
+    std::shared_ptr<void> _display;
+};
+
+}  // namespace Tev::Chart::Ogl
