@@ -20,7 +20,7 @@ boost::optional<unsigned long> ReadNumber(char const* p_name) {
     auto const text = Read(p_name);
     if (!text || text->empty()) return boost::none;
     char* end = nullptr;
-    unsigned long const value = std::strtoul(text->c_str(), &end, 0);
+    unsigned long const value = std::strtoul(text->c_str(), &end, 10);
     if (*end != '\0' || text->front() == '-') return boost::none;
     return value;
 }
