@@ -18,7 +18,7 @@ using ProcAddressFn = void* (*)(char const*);
 
 // The files that make up one implementation. Tests point these at test-only
 // libraries to play incomplete drivers.
-struct ImplementationFiles {
+struct TEVOGL_API ImplementationFiles {
     bool isSystem = true;
     std::string gl;             // the library that exports the GL 1.1 entries
     std::string glPackage;      // the Debian package that installs it
