@@ -35,10 +35,12 @@ namespace ListOnly {
 namespace {
 
 // Each entry's prototype is found as gl##Member. The members that do not
-// follow that rule get an alias here; the symbol check below makes sure an
-// alias cannot point at a different function than the entry's symbol.
-constexpr auto glMemoryBarrierTGL = &::glMemoryBarrier;
-#define TGL_GLU_PROTOTYPE(Rest) constexpr auto glGlu##Rest = &::glu##Rest;
+// follow that rule get an alias here: a declaration of the same function
+// type, used only inside decltype, so nothing needs linking. The symbol check
+// below makes sure an alias cannot stand for another function than the
+// entry's symbol.
+decltype(::glMemoryBarrier) glMemoryBarrierTGL;
+#define TGL_GLU_PROTOTYPE(Rest) decltype(::glu##Rest) glGlu##Rest;
 TGL_GLU_PROTOTYPE(Ortho2D)
 TGL_GLU_PROTOTYPE(PickMatrix)
 TGL_GLU_PROTOTYPE(Perspective)
