@@ -32,13 +32,12 @@ ImplementationFiles ImplementationFiles::System() {
     return files;
 }
 
+// The same GLU as the system's, loaded again inside the namespace.
 ImplementationFiles ImplementationFiles::Mesa() {
-    ImplementationFiles files;
+    ImplementationFiles files = System();
     files.isSystem = false;
     files.gl = "libOSMesa.so.8";
     files.glPackage = "libosmesa6";
-    files.glu = "libGLU.so.1";
-    files.gluPackage = "libglu1-mesa";
     files.procAddress = "OSMesaGetProcAddress";
     files.privateNamespace = true;
     files.namespaceShim = DefaultNamespaceShim();

@@ -3,6 +3,7 @@
 #include "framework/debug/Debug.h"
 #include "ogl/api/ApiExceptions.h"
 #include "ogl/api/GlImplementation.h"
+#include "ogl/api/Tokens.h"
 
 #include <cstring>
 #include <sstream>
@@ -12,10 +13,9 @@ namespace Tev::Chart::Ogl {
 
 namespace {
 
-constexpr GLenum GlVendor = 0x1F00;
-constexpr GLenum GlRenderer = 0x1F01;
-constexpr GLenum GlVersionName = 0x1F02;
-constexpr GLenum GlExtensions = 0x1F03;
+using namespace Tokens;
+
+// Queries clients never make, so not among the exported tokens.
 constexpr GLenum GlShadingLanguageVersion = 0x8B8C;
 constexpr GLenum GluExtensions = 100801;
 
@@ -64,7 +64,7 @@ Utility::VersionNo GetVersionNo(Detail::GlImplementation const& p_impl, GLenum p
 Vendors GetVendor(Detail::GlImplementation const& p_impl) {
     StringQuery const query(p_impl);
     char const* text = nullptr;
-    if (!query.Usable() || !query.Read(GlVendor, text)) return UNKNOWN;
+    if (!query.Usable() || !query.Read(TGL_VENDOR, text)) return UNKNOWN;
     LogString("GL_VENDOR", text);
     return VendorFromString(text);
 }
@@ -111,9 +111,9 @@ char const* Text(GLubyte const* p_string) { return p_string ? reinterpret_cast<c
 
 void LogDumps(OglApi const& p_api, Detail::GlImplementation const& p_impl) {
     // Read in this order: some drivers recycle one buffer for the strings.
-    std::string const extensions = Text(p_api.GetString(GlExtensions));
-    std::string const renderer = Text(p_api.GetString(GlRenderer));
-    std::string const vendor = Text(p_api.GetString(GlVendor));
+    std::string const extensions = Text(p_api.GetString(TGL_EXTENSIONS));
+    std::string const renderer = Text(p_api.GetString(TGL_RENDERER));
+    std::string const vendor = Text(p_api.GetString(TGL_VENDOR));
     Debug::dlog() << "GL:\n" << "\tVersion\t:" << p_api.GlVersion << "\n" << "\tVendor\t:" << vendor << "\n"
                   << "\tRenderer\t:" << renderer << "\n" << "\tExtensions\t:" << extensions << "\n";
 
@@ -143,7 +143,7 @@ OglApi::OglApi(ApiMesaType) : OglApi(Detail::GlImplementation::Mesa()) {}
 OglApi::OglApi(Detail::GlImplementation const& p_impl)
     : ProcAddress(p_impl), IsSystem(p_impl.IsSystem()), GluVersion(0, 0, 0, "<unknown>") {
     p_impl.PrepareThread();
-    GlVersion = GetVersionNo(p_impl, GlVersionName, "GL_VERSION");
+    GlVersion = GetVersionNo(p_impl, TGL_VERSION, "GL_VERSION");
     GlslVersion = GetVersionNo(p_impl, GlShadingLanguageVersion, "GL_SHADING_LANGUAGE_VERSION");
     // Mesa is Mesa whatever GL_VENDOR says; only the system GL is asked.
     Vendor = IsSystem ? GetVendor(p_impl) : MESA;

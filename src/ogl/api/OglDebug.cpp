@@ -2,6 +2,7 @@
 
 #include "framework/debug/Debug.h"
 #include "ogl/api/OglApi.h"
+#include "ogl/api/Tokens.h"
 
 #include <sstream>
 
@@ -9,12 +10,10 @@ namespace Tev::Chart::Ogl {
 
 namespace {
 
-constexpr GLenum DontCare = 0x1100;
-constexpr GLenum DebugOutputSynchronous = 0x8242;
+using namespace Tokens;
+
+// Only the library switches it; clients have no token for it.
 constexpr GLenum DebugOutput = 0x92E0;
-constexpr GLenum SourceApplication = 0x824A;
-constexpr GLenum TypeOther = 0x8251;
-constexpr GLenum SeverityLow = 0x9148;
 
 void TGL_APIENTRY Callback(GLenum p_source, GLenum p_type, GLuint p_id, GLenum p_severity, GLsizei p_length,
                            GLchar const* p_message, void const*) {
@@ -30,13 +29,13 @@ void TGL_APIENTRY Callback(GLenum p_source, GLenum p_type, GLuint p_id, GLenum p
 // Both families take the same arguments; one routine sets up either.
 template <typename ControlFn, typename CallbackFn>
 void Hook(OglApi const& p_gl, ControlFn p_control, CallbackFn p_callback) {
-    p_gl.Enable(DebugOutputSynchronous);
+    p_gl.Enable(TGL_DEBUG_OUTPUT_SYNCHRONOUS);
     // Workaround "debug-output-off-by-default": a context created without
     // the debug flag starts with GL_DEBUG_OUTPUT disabled and would deliver
     // nothing; switching it on is harmless on a debug context.
     p_gl.Enable(DebugOutput);
     if (!chkptr(p_control) || !chkptr(p_callback)) return;
-    p_control(DontCare, DontCare, DontCare, 0, nullptr, 1);
+    p_control(TGL_DONT_CARE, TGL_DONT_CARE, TGL_DONT_CARE, 0, nullptr, 1);
     p_callback(&Callback, nullptr);
 }
 
@@ -67,14 +66,14 @@ void OglDebug::InsertMessage(unsigned p_type, unsigned p_id, unsigned p_severity
         sentry("");
         return;
     }
-    insert(SourceApplication, p_type, p_id, p_severity, GLsizei(p_message.size()), p_message.c_str());
+    insert(TGL_DEBUG_SOURCE_APPLICATION, p_type, p_id, p_severity, GLsizei(p_message.size()), p_message.c_str());
 }
 
 boost::shared_ptr<void> OglDebug::ScopedDebugGroup(unsigned p_id, std::string const& p_name) {
     if (!_enabled) return {};
-    InsertMessage(TypeOther, p_id, SeverityLow, "BEGIN: " + p_name);
+    InsertMessage(TGL_DEBUG_TYPE_OTHER, p_id, TGL_DEBUG_SEVERITY_LOW, "BEGIN: " + p_name);
     return boost::shared_ptr<void>(this, [this, p_id, p_name](void*) {
-        InsertMessage(TypeOther, p_id, SeverityLow, "END: " + p_name);
+        InsertMessage(TGL_DEBUG_TYPE_OTHER, p_id, TGL_DEBUG_SEVERITY_LOW, "END: " + p_name);
     });
 }
 

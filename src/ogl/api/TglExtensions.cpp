@@ -2,6 +2,7 @@
 
 #include "framework/debug/Debug.h"
 #include "ogl/api/OglApi.h"
+#include "ogl/api/Tokens.h"
 
 #include <array>
 #include <string>
@@ -20,8 +21,6 @@ constexpr std::array<char const*, TglExtensions_Count> Names = {
     "GL_ARB_debug_output",            "GL_KHR_debug",                  "GL_ARB_copy_buffer",
     "GL_ARB_compatibility",           "GL_ARB_base_instance",
 };
-
-constexpr GLenum GlExtensions = 0x1F03;
 
 }  // namespace
 
@@ -45,7 +44,7 @@ ExtensionSet ParseExtensions(std::string_view p_extensionString) {
 
 ExtensionSet ReadExtensions(OglApi const& p_gl) {
     if (!chkptr(p_gl.GetString)) return {};
-    auto const* text = reinterpret_cast<char const*>(p_gl.GetString(GlExtensions));
+    auto const* text = reinterpret_cast<char const*>(p_gl.GetString(Tokens::TGL_EXTENSIONS));
     return text ? ParseExtensions(text) : ExtensionSet{};
 }
 

@@ -2,21 +2,17 @@
 
 #include "framework/debug/Debug.h"
 #include "ogl/api/GlImplementation.h"
+#include "ogl/api/Tokens.h"
 #include "ogl/device/Device.h"
 #include "ogl/device/osmesa/OSMesaApi.h"
 
 namespace Tev::Chart::Ogl {
 
-namespace {
-constexpr GLenum GlRgba = 0x1908;
-constexpr GLenum GlUnsignedByte = 0x1401;
-}  // namespace
-
 ContextOSMesa::ContextOSMesa(Device const& p_device)
     : _osmesa(Detail::OSMesaApi::Get()), _format(p_device.Format()) {
     ensure(p_device.Format().id == DeviceFormat::OSMesaFormatId);
     Detail::GlImplementation::Mesa().PrepareThread();
-    _handle = _osmesa.CreateContext(GlRgba, nullptr);
+    _handle = _osmesa.CreateContext(Tokens::TGL_RGBA, nullptr);
     if (!_handle) throw CreateGLContextFailed(_format, "Failed to create an OSMesaContext");
 }
 
@@ -37,7 +33,7 @@ void ContextOSMesa::Bind(Device const& p_device) {
     Device::RenderBuffer const& buffer = p_device.Buffer();
     _buffer = buffer.Ptr();
     ensure(_buffer && "No valid buffer defined");
-    GLboolean const bound = _osmesa.MakeCurrent(_handle, _buffer, GlUnsignedByte, buffer.Width(), buffer.Height());
+    GLboolean const bound = _osmesa.MakeCurrent(_handle, _buffer, Tokens::TGL_UNSIGNED_BYTE, buffer.Width(), buffer.Height());
     ensure(bound && "OSMesaMakeCurrent failed");
     _binding.Bound();
 }
