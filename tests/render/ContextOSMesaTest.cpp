@@ -46,7 +46,7 @@ TEST(ContextOSMesa, DeviceFormatIsTheFixedOSMesaOne) {
     EXPECT_EQ(f.pixelType, DeviceFormat::RGBA);
     EXPECT_EQ(f.colorBits + f.depthBits + f.stencilBits, 96u);
     EXPECT_TRUE(device.HardwareDisplay().IsOSMesa());
-    EXPECT_EQ(device.HardwareHandle(), 0u);
+    EXPECT_EQ(device.HardwareHandle(), nullptr);
     EXPECT_EQ(device.Buffer().Width(), 8);
     EXPECT_NE(device.Buffer().Ptr(), nullptr);
 }

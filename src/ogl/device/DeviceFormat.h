@@ -1,12 +1,39 @@
 // A pixel format of a display device, as the library describes it.
 #pragma once
 
+#include "framework/types/Size.h"
 #include "framework/utility/Exception.h"
 #include "ogl/api/Export.h"
 
 #include <cstdint>
+#include <iosfwd>
+#include <string>
+#include <vector>
 
 namespace Tev::Chart::Ogl {
+
+class DisplayHnd;
+struct OsApi;
+
+// What a caller needs of a drawing surface. Devices and acceleration are
+// always set by the caller.
+struct TEVOGL_API DeviceFormatRequest {
+    enum Devices : std::uint32_t { Window = 0, Offscreen = 1 };
+    enum Acceleration : std::uint32_t { Hardware = 0, Software = 1 };
+
+    std::uint32_t devices = Window;
+    Types::Size size{0, 0};  // of an off-screen surface
+    std::uint32_t acceleration = Hardware;
+    bool doubleBuffered = false;
+    bool depthBuffer = false;
+    bool stencilBuffer = false;
+    bool enableDiagnostics = false;
+    // A free-form label of the request for the caller's own diagnostics;
+    // the chooser ignores it and the dump leaves it out.
+    std::string label;
+};
+
+TEVOGL_API std::ostream& operator<<(std::ostream& p_out, DeviceFormatRequest const& p_request);
 
 struct TEVOGL_API DeviceFormat {
     using Id = std::uint32_t;
@@ -50,6 +77,19 @@ struct TEVOGL_API DeviceFormat {
     std::uint32_t accumBits = 0;
     std::uint32_t stencilBits = 0;
     std::uint32_t auxBuffers = 0;
+
+    // The best format of the display for the request (see the .cpp for the
+    // rules); falls back to the window system's chooser when none fits.
+    static DeviceFormat ChooseDeviceFormat(OsApi const& p_api, DisplayHnd const& p_display,
+                                           DeviceFormatRequest const& p_request);
+    // The window system's own chooser. Throws FailedDeterminingDeviceFormat
+    // for the system table when it finds nothing.
+    static DeviceFormat ChooseDeviceFormatSystem(OsApi const& p_api, DisplayHnd const& p_display,
+                                                 DeviceFormatRequest const& p_request);
+    static std::vector<Id> GetAllDeviceFormats(OsApi const& p_api, DisplayHnd const& p_display);
+    static DeviceFormat GetDeviceFormat(OsApi const& p_api, DisplayHnd const& p_display, unsigned const& p_id);
 };
+
+TEVOGL_API std::ostream& operator<<(std::ostream& p_out, DeviceFormat const& p_format);
 
 }  // namespace Tev::Chart::Ogl

@@ -20,6 +20,9 @@ _XDisplay* DisplayHnd::XDisplay() const {
     return IsOSMesa() ? nullptr : static_cast<_XDisplay*>(_display.get());
 }
 
+// The root-window device record arrives with the GLX backend.
+DeviceHandle DisplayHnd::Handle() const { return nullptr; }
+
 bool DisplayHnd::operator==(DisplayHnd const& p_rhs) const {
     ensure(p_rhs._display && _display);
     return _display == p_rhs._display;

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "ogl/api/Export.h"
+#include "ogl/device/Platform.h"
 
 #include <memory>
 
@@ -22,6 +23,10 @@ public:
     static DisplayHnd const OSMesaDisplay;
 
     bool IsOSMesa() const;
+    // The device of the display's root window, what a screen HDC is on
+    // Windows: pixel formats are enumerated and chosen on it. Null for the
+    // OSMesa display and for no display.
+    DeviceHandle Handle() const;
     _XDisplay* XDisplay() const;
     explicit operator bool() const { return _display != nullptr; }
     bool operator==(DisplayHnd const& p_rhs) const;
