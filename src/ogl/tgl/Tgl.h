@@ -242,7 +242,8 @@ private:
     Utility::WeakWatchedRef<Tgl> Handle();
     FBOApi const* FBOBindings() const { return _fboApi.get(); }
 
-    void ChooseFBOApi();
+    // False, with no set made, when neither family is complete.
+    bool ChooseFBOApi();
     void ReadPointAndLineRanges();
     bool LightIndexValid(unsigned p_light) const;
 

@@ -38,7 +38,7 @@ Tgl::Tgl(OglApi const& p_api, DeviceFeatureMask const& p_requested)
 
     _impl->ActiveTexture(Tokens::TGL_TEXTURE0);
     _impl->ClientActiveTexture(Tokens::TGL_TEXTURE0);
-    ChooseFBOApi();
+    if (!ChooseFBOApi()) sentry("no framebuffer-object support");
     _hot->MatrixMode(Tokens::TGL_MODELVIEW);
     _scissorStack.push_back(_currentScissor);
     ReadPointAndLineRanges();
@@ -65,14 +65,13 @@ Tgl::~Tgl() {
     // stacks, and the entry-point table last.
 }
 
-void Tgl::ChooseFBOApi() {
+bool Tgl::ChooseFBOApi() {
     if (_extensions.test(ARB_framebuffer_object))
         _fboApi = std::make_unique<FBOApi>(FBOApi::Core(*_impl));
     else if (_extensions.test(EXT_framebuffer_object) && _extensions.test(EXT_packed_depth_stencil) &&
              _extensions.test(EXT_framebuffer_blit))
         _fboApi = std::make_unique<FBOApi>(FBOApi::Extension(*_impl));
-    else
-        sentry("no framebuffer-object support");
+    return _fboApi != nullptr;
 }
 
 // Drivers report a smooth and an aliased range; only sizes inside both are
