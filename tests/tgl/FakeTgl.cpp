@@ -48,7 +48,7 @@ void FakeTgl::SetVersion(std::string const& p_version) { _gl.SetString(GL_VERSIO
 void FakeTgl::SetDoubles(GLenum p_name, std::vector<double> p_values) { _doubles[p_name] = std::move(p_values); }
 
 Chart::Ogl::Tgl& FakeTgl::Build(Chart::Ogl::DeviceFeatureMask const& p_mask, bool p_keepCalls) {
-    _tgl = std::make_unique<Chart::Ogl::Tgl>(_gl.Api(), p_mask);
+    _tgl = std::make_unique<Chart::Ogl::Tgl>(_gl.Api(_missing), p_mask);
     if (!p_keepCalls) _gl.ClearCalls();
     return *_tgl;
 }

@@ -8,6 +8,8 @@
 
 #include <map>
 #include <memory>
+#include <set>
+#include <string>
 #include <vector>
 
 namespace Tev::Test {
@@ -21,6 +23,8 @@ public:
     // Script before Build().
     void SetVersion(std::string const& p_version);
     void SetDoubles(GLenum p_name, std::vector<double> p_values);
+    // Entries the driver lacks ("glMemoryBarrier").
+    void SetMissing(std::set<std::string> p_missing) { _missing = std::move(p_missing); }
 
     // Builds the facade; the calls made so far are dropped unless p_keepCalls.
     Chart::Ogl::Tgl& Build(Chart::Ogl::DeviceFeatureMask const& p_mask = Chart::Ogl::DeviceFeatureMask::PermitAll(),
@@ -41,6 +45,7 @@ public:
 private:
     FakeGl _gl;
     std::map<GLenum, std::vector<double>> _doubles;
+    std::set<std::string> _missing;
     std::unique_ptr<Chart::Ogl::Tgl> _tgl;
 };
 
