@@ -223,6 +223,8 @@ public:
     void LightModel(unsigned p_param, int p_value);
     void Material(Ogl::Material const& p_material);
     void ColorMaterial(unsigned p_face, unsigned p_mode);
+    // The values the shader route feeds to its uniforms.
+    StateTracker const& GetStateTracker() const { return *_stateTracker; }
 
     // ---- Limits
 
