@@ -17,6 +17,9 @@ namespace Tev::Chart::Ogl {
 
 class Tgl;
 struct OglApi;
+class TglResource;
+
+namespace Internal { struct ResourceAccess; }
 
 class TEVOGL_API TglResource : private boost::noncopyable {
 public:
@@ -38,6 +41,7 @@ protected:
 
 private:
     friend class Tgl;
+    friend struct Internal::ResourceAccess;
 
     // Only the facade's factories make a resource live.
     void Initialize(Tgl& p_tgl, OglApi const& p_api, Utility::Lifetime const& p_lifetime);
@@ -49,6 +53,20 @@ private:
     Utility::Lifetime::Watcher _watcher;
     int _id;
 };
+
+namespace Internal {
+
+// The one door through which a resource is made live: the facade's
+// factories, and tests that watch a lifetime of their own instead of the
+// facade's.
+struct ResourceAccess {
+    static void Initialize(TglResource& p_resource, Tgl& p_tgl, OglApi const& p_api,
+                           Utility::Lifetime const& p_lifetime) {
+        p_resource.Initialize(p_tgl, p_api, p_lifetime);
+    }
+};
+
+}  // namespace Internal
 
 // A resource that wraps exactly one GL object name, deleted through the
 // table that created it.
