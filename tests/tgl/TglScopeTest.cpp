@@ -136,9 +136,13 @@ TEST(TglScope, BeginEndAgainstScopes) {
     EXPECT_TRUE(tgl.InBeginEnd());
     tgl.Begin(GL_TRIANGLES);
     EXPECT_TRUE(HasAssertion(capture, "!_inBeginEnd"));
+    tgl.Vertex(0.0, 0.0);
+    tgl.Vertex(1.0, 0.0);
+    tgl.Vertex(0.0, 1.0);
     tgl.End();
     EXPECT_FALSE(tgl.InBeginEnd());
     EXPECT_EQ(Assertions(capture).back(), "\"_scopes.Depth()\" - void Tev::Chart::Ogl::Tgl::End()");
+    EXPECT_EQ(fake.Calls("glDrawArrays"), Lines{"glDrawArrays(4, 0, 3)"});
 
     capture.Sink().Clear();
     tgl.End();
@@ -154,19 +158,44 @@ TEST(TglScope, BeginEndAgainstScopes) {
     // Closing a scope inside Begin/End ends the primitive first.
     capture.Sink().Clear();
     testing::internal::CaptureStdout();
+    fake.ClearCalls();
     {
         Scoped<Tgl> scope(tgl);
         tgl.Begin(GL_LINES);
+        tgl.Vertex(0.0, 0.0);
+        tgl.Vertex(1.0, 1.0);
     }
     EXPECT_EQ(testing::internal::GetCapturedStdout(), "WARNING: scope unwind within Begin/End block\n");
     EXPECT_FALSE(tgl.InBeginEnd());
     EXPECT_TRUE(Assertions(capture).empty());
+    EXPECT_EQ(fake.Calls("glDrawArrays"), Lines{"glDrawArrays(1, 0, 2)"});
 }
 
 TEST(TglScope, PixelsSitOnCornersButOnCentresInLines) {
     FakeTgl fake;
     Tgl& tgl = fake.Build();
     Scoped<Tgl> scope(tgl);
+    std::vector<double> drawn;
+    fake.Gl().On("glVertexPointer", [&](FakeCall const& p_call) -> FakeResult {
+        if (p_call.Int(1) == GL_DOUBLE) {
+            auto const* vertices = static_cast<double const*>(p_call.Ptr(3));
+            drawn.assign(vertices, vertices + 3);
+        } else {
+            auto const* vertices = static_cast<float const*>(p_call.Ptr(3));
+            drawn.assign(vertices, vertices + 3);
+        }
+        return std::int64_t{0};
+    });
+    auto const firstVertex = [&](unsigned p_primitive) {
+        tgl.Begin(p_primitive);
+        tgl.Pixel(3, 4);
+        tgl.End();
+        return drawn;
+    };
+    EXPECT_EQ(firstVertex(GL_POINTS), (std::vector<double>{3, 4, 0}));
+    EXPECT_EQ(firstVertex(GL_LINE_STRIP), (std::vector<double>{3.5, 4.5, 0}));
+    EXPECT_EQ(firstVertex(GL_TRIANGLES), (std::vector<double>{3, 4, 0}));
+
     Debug::CaptureScope capture;
     // Outside Begin/End a pixel is a misplaced vertex: reported, like Vertex.
     tgl.Pixel(1, 2);

@@ -18,6 +18,7 @@
 #include "ogl/api/Export.h"
 #include "ogl/api/TglExtensions.h"
 #include "ogl/tgl/Material.h"
+#include "ogl/tgl/OglDirectMode.h"
 #include "ogl/tgl/OutputStage.h"
 #include "ogl/tgl/TglLimits.h"
 
@@ -291,6 +292,7 @@ private:
     // The programs in force before each Bind still open.
     std::vector<boost::shared_ptr<Program>> _programStack;
     boost::shared_ptr<std::deque<OutputStage>> _outputStageStack;
+    OglDirectMode _directMode;
     boost::shared_ptr<BufferPool> _bufferPool;
     std::unique_ptr<OglDebug> _debug;
 };

@@ -58,6 +58,7 @@ Tgl::~Tgl() {
     _stateTracker.reset();
     _debug.reset();
     _bufferPool.reset();
+    _directMode.Clear();
     _programStack.clear();
     _outputStageStack.reset();
     // The rest goes in reverse order of declaration: the lifetime (which
@@ -131,6 +132,7 @@ void Tgl::PushUndo(Utility::OperationStack& p_stack, boost::function<void()> p_u
 
 void Tgl::Begin(unsigned p_primitive) {
     ensure(!_inBeginEnd);
+    _directMode.Begin(p_primitive);
     _inBeginEnd = true;
     bool const isLine = p_primitive == Tokens::TGL_LINES || p_primitive == Tokens::TGL_LINE_LOOP ||
                         p_primitive == Tokens::TGL_LINE_STRIP;
@@ -143,7 +145,9 @@ void Tgl::End() {
     ensure(_scopes.Depth());
     _inBeginEnd = false;
     _pixelFunction = &Tgl::PixelDefault;
-    Utility::Scoped<Tgl> const scoped(*this);
+    Utility::Scoped<Tgl> scoped(*this);
+    _directMode.End(scoped);
+    _directMode.Clear();
     _stateTracker->OnPrimitiveEnd();
 }
 

@@ -70,42 +70,72 @@ void Tgl::Material(Ogl::Material const& p_material) { _stateTracker->SetMaterial
 void Tgl::ColorMaterial(unsigned p_face, unsigned p_mode) { _stateTracker->SetColorMaterial(p_face, p_mode); }
 
 void Tgl::Color(QColor const& p_color) {
-    _stateTracker->SetColor(ToFloats(p_color));
+    if (_inBeginEnd)
+        _directMode.Color(p_color);
+    else
+        _stateTracker->SetColor(ToFloats(p_color));
 }
 
 void Tgl::Normal(Types::Vector3d const& p_normal) { Normal(p_normal.x, p_normal.y, p_normal.z); }
 
 void Tgl::Normal(double p_x, double p_y, double p_z) {
-    _stateTracker->SetNormal({p_x, p_y, p_z});
+    if (_inBeginEnd)
+        _directMode.Normal(p_x, p_y, p_z);
+    else
+        _stateTracker->SetNormal({p_x, p_y, p_z});
 }
 
-void Tgl::Vertex(Types::Vector2d const& p_vertex) { ensure(_inBeginEnd); }
+void Tgl::Vertex(Types::Vector2d const& p_vertex) {
+    if (ensure(_inBeginEnd)) _directMode.Vertex(p_vertex);
+}
 
-void Tgl::Vertex(Types::Vector3d const& p_vertex) { ensure(_inBeginEnd); }
+void Tgl::Vertex(Types::Vector3d const& p_vertex) {
+    if (ensure(_inBeginEnd)) _directMode.Vertex(p_vertex);
+}
 
-void Tgl::Vertex(Types::Vector4d const& p_vertex) { ensure(_inBeginEnd); }
+void Tgl::Vertex(Types::Vector4d const& p_vertex) {
+    if (ensure(_inBeginEnd)) _directMode.Vertex(p_vertex);
+}
 
 void Tgl::Vertex(double p_x, double p_y) { Vertex(Types::Vector2d(p_x, p_y)); }
 
 void Tgl::Vertex(double p_x, double p_y, double p_z) { Vertex(Types::Vector3d(p_x, p_y, p_z)); }
 
-void Tgl::TexCoord(double p_s) { ensure(_inBeginEnd); }
+void Tgl::TexCoord(double p_s) {
+    if (ensure(_inBeginEnd)) _directMode.TexCoord(p_s);
+}
 
-void Tgl::TexCoord(double p_s, double p_t) { ensure(_inBeginEnd); }
+void Tgl::TexCoord(double p_s, double p_t) {
+    if (ensure(_inBeginEnd)) _directMode.TexCoord(p_s, p_t);
+}
 
-void Tgl::TexCoord(Types::Vector2d const& p_coord) { ensure(_inBeginEnd); }
+void Tgl::TexCoord(Types::Vector2d const& p_coord) {
+    if (ensure(_inBeginEnd)) _directMode.TexCoord(p_coord);
+}
 
-void Tgl::TexCoord(Types::Vector3d const& p_coord) { ensure(_inBeginEnd); }
+void Tgl::TexCoord(Types::Vector3d const& p_coord) {
+    if (ensure(_inBeginEnd)) _directMode.TexCoord(p_coord);
+}
 
-void Tgl::TexCoord(Types::Vector4d const& p_coord) { ensure(_inBeginEnd); }
+void Tgl::TexCoord(Types::Vector4d const& p_coord) {
+    if (ensure(_inBeginEnd)) _directMode.TexCoord(p_coord);
+}
 
-void Tgl::MultiTexCoord(unsigned p_unit, double p_s) { ensure(_inBeginEnd); }
+void Tgl::MultiTexCoord(unsigned p_unit, double p_s) {
+    if (ensure(_inBeginEnd)) _directMode.MultiTexCoord(p_unit, p_s);
+}
 
-void Tgl::MultiTexCoord(unsigned p_unit, Types::Vector2d const& p_coord) { ensure(_inBeginEnd); }
+void Tgl::MultiTexCoord(unsigned p_unit, Types::Vector2d const& p_coord) {
+    if (ensure(_inBeginEnd)) _directMode.MultiTexCoord(p_unit, p_coord);
+}
 
-void Tgl::MultiTexCoord(unsigned p_unit, Types::Vector3d const& p_coord) { ensure(_inBeginEnd); }
+void Tgl::MultiTexCoord(unsigned p_unit, Types::Vector3d const& p_coord) {
+    if (ensure(_inBeginEnd)) _directMode.MultiTexCoord(p_unit, p_coord);
+}
 
-void Tgl::MultiTexCoord(unsigned p_unit, Types::Vector4d const& p_coord) { ensure(_inBeginEnd); }
+void Tgl::MultiTexCoord(unsigned p_unit, Types::Vector4d const& p_coord) {
+    if (ensure(_inBeginEnd)) _directMode.MultiTexCoord(p_unit, p_coord);
+}
 
 void Tgl::RasterPos(Types::Vector3d const& p_position) {
     _impl->RasterPos4d(p_position.x, p_position.y, p_position.z, 1.0);
