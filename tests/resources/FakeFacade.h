@@ -6,11 +6,14 @@
 #include "support/FakeGl.h"
 
 #include <memory>
+#include <string>
+#include <vector>
 
 namespace Tev::Test {
 
 struct FakeFacade {
-    FakeFacade() : api(gl.Api()) {
+    explicit FakeFacade(std::vector<std::string> const& p_extensions = {}) : api(gl.Api()) {
+        gl.SetExtensions(p_extensions);
         Debug::CaptureScope quiet;  // the limits dump
         tgl = std::make_unique<Chart::Ogl::Tgl>(api, Chart::Ogl::DeviceFeatureMask::PermitAll());
         gl.ClearCalls();
