@@ -44,6 +44,7 @@ class OglDebug;
 class Program;
 class ProgramObject;
 class StateTracker;
+class TglResource;
 
 class TEVOGL_API Tgl {
 public:
@@ -249,6 +250,9 @@ private:
     bool ChooseFBOApi();
     void ReadPointAndLineRanges();
     bool LightIndexValid(unsigned p_light) const;
+    // Makes a resource live against this facade: it learns the table and
+    // watches the facade's lifetime. Every factory ends with this.
+    void InitializeResource(TglResource& p_resource);
 
     // A token whose release calls p_pop on this facade, if it still exists.
     Token MakeToken(void (Tgl::*p_pop)());

@@ -6,6 +6,7 @@
 #include "ogl/api/OglDebug.h"
 #include "ogl/api/Tokens.h"
 #include "framework/utility/Scoped.h"
+#include "ogl/resources/BufferPool.h"
 #include "ogl/shaders/Program.h"
 #include "ogl/tgl/FBOApi.h"
 #include "ogl/tgl/StateTracker.h"
@@ -28,6 +29,7 @@ Tgl::Tgl(OglApi const& p_api, DeviceFeatureMask const& p_requested)
       _hot(std::make_unique<TglHotEntries>(*_impl)),
       _extensions(ReadExtensions(*_impl)),
       _outputStageStack(boost::make_shared<std::deque<OutputStage>>(1, OutputStage::Forward)) {
+    _bufferPool = boost::make_shared<BufferPool>(_lifetime.Ref(static_cast<OglApi const&>(*_impl)));
     _limits = TglLimits::Read(*_impl, _glVersion);
     _supportedFeatures = DeviceFeatures::Determine(*_impl, _glVersion, _extensions);
     _features = _supportedFeatures.Restricted(p_requested);
@@ -45,6 +47,7 @@ Tgl::Tgl(OglApi const& p_api, DeviceFeatureMask const& p_requested)
 
     _debug = std::make_unique<OglDebug>(_extensions, *_impl);
     if (_features.Supported(DeviceFeatures::OpenGL_DebugOutput)) _debug->SetupGLDebug();
+    InitializeResource(*_bufferPool);
 
     _limits.Dump();
 }
@@ -88,6 +91,8 @@ void Tgl::ReadPointAndLineRanges() {
     intersect(Tokens::TGL_POINT_SIZE_RANGE, Tokens::TGL_ALIASED_POINT_SIZE_RANGE, _pointSizeRange);
     intersect(Tokens::TGL_LINE_WIDTH_RANGE, Tokens::TGL_ALIASED_LINE_WIDTH_RANGE, _lineWidthRange);
 }
+
+void Tgl::InitializeResource(TglResource& p_resource) { p_resource.Initialize(*this, *_impl, _lifetime); }
 
 Utility::WeakWatchedRef<Tgl> Tgl::Handle() { return _lifetime.Ref(*this); }
 
