@@ -116,6 +116,15 @@ TEST(TglConstruction, FeaturesAreRequestedAndSupportedAndDebugFollowsThem) {
         EXPECT_TRUE(tgl.IsExtensionSupported(KHR_debug));
         EXPECT_FALSE(tgl.IsExtensionSupported(ARB_debug_output));
         EXPECT_EQ(fake.Calls("glDebugMessageCallback").size(), 1u);
+        Lines inserted;
+        fake.Gl().On("glDebugMessageInsert", [&](FakeCall const& p_call) -> FakeResult {
+            inserted.emplace_back(static_cast<char const*>(p_call.Ptr(5)), std::size_t(p_call.Int(4)));
+            return std::int64_t{0};
+        });
+        Tgl::Token group = tgl.DebugScope(5, "grid");
+        EXPECT_EQ(inserted, Lines{"BEGIN: grid"});
+        group.reset();
+        EXPECT_EQ(inserted, (Lines{"BEGIN: grid", "END: grid"}));
     }
     {
         FakeTgl fake;
@@ -126,6 +135,7 @@ TEST(TglConstruction, FeaturesAreRequestedAndSupportedAndDebugFollowsThem) {
         EXPECT_FALSE(tgl.Features().Supported(DeviceFeatures::OpenGL_DebugOutput));
         EXPECT_TRUE(tgl.Features().Supported(DeviceFeatures::OpenGL_GeometryShader));
         EXPECT_TRUE(fake.Calls("glDebugMessageCallback").empty());
+        EXPECT_FALSE(tgl.DebugScope(5, "grid"));
     }
 }
 

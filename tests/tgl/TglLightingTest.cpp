@@ -183,6 +183,19 @@ TEST_F(TglLighting, BindingSwitchesModeAndTheTokenRestoresThePrevious) {
     EXPECT_FALSE(tgl().RequiresCompatibilityAttributes());
 }
 
+TEST_F(TglLighting, DumpStateNamesEveryTrackedValue) {
+    tgl().Light(GL_LIGHT1, GL_DIFFUSE, QColor(Qt::red));
+    tgl().Normal(0, 1, 0);
+    Debug::CaptureScope capture;
+    tgl().DumpState();
+    Lines const dump = capture.Texts(Debug::Channel::Debug);
+    ASSERT_EQ(dump.size(), 1u);
+    for (std::string const line : {"\tlight1 diffuse = (1, 0, 0, 1)\n", "\tlight0 diffuse = (1, 1, 1, 1)\n",
+                                   "\tlight1 spot cutoff = (180)\n", "\tmaterial back shininess = (0)\n",
+                                   "\tlight model ambient = (0.2, 0.2, 0.2, 1)\n", "\tnormal = (0, 1, 0)\n"})
+        EXPECT_NE(dump[0].find(line), std::string::npos) << line << dump[0];
+}
+
 TEST_F(TglLighting, OutputStagesStackUnderTheirTokens) {
     EXPECT_EQ(OutputStage::FromName("WeightedAverage_Translucent_ForceOpaque"),
               OutputStage(OutputStage::WeightedAverage_Translucent_ForceOpaque));
