@@ -88,6 +88,13 @@ struct TEVOGL_API DeviceFormat {
                                                  DeviceFormatRequest const& p_request);
     static std::vector<Id> GetAllDeviceFormats(OsApi const& p_api, DisplayHnd const& p_display);
     static DeviceFormat GetDeviceFormat(OsApi const& p_api, DisplayHnd const& p_display, unsigned const& p_id);
+
+    // The names the dumps print. An out-of-range value is reported as a
+    // failed check and named "<ERROR>"; DeviceType's unknown is empty.
+    static char const* DeviceTypeText(DeviceType p_type);
+    static char const* DriverModelText(DriverModel p_model);
+    static char const* PixelTypeText(PixelType p_type);
+    static char const* SwapModeText(BufferSwapMode p_mode);
 };
 
 TEVOGL_API std::ostream& operator<<(std::ostream& p_out, DeviceFormat const& p_format);
