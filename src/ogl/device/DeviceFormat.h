@@ -78,8 +78,9 @@ struct TEVOGL_API DeviceFormat {
     std::uint32_t stencilBits = 0;
     std::uint32_t auxBuffers = 0;
 
-    // The best format of the display for the request (see the .cpp for the
-    // rules); falls back to the window system's chooser when none fits.
+    // The best format of the display for the request (the tests and scores
+    // are in FormatRanking.h); falls back to the window system's chooser
+    // when none fits.
     static DeviceFormat ChooseDeviceFormat(OsApi const& p_api, DisplayHnd const& p_display,
                                            DeviceFormatRequest const& p_request);
     // The window system's own chooser. Throws FailedDeterminingDeviceFormat
