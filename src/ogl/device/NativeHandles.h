@@ -31,8 +31,8 @@ struct NativeDevice {
     int pixelFormat = 0;
 
     // Mesa window emulation: the 32-bit BGRA pixels the OSMesa context
-    // renders into, bottom row first as OSMesa writes them, resized to the
-    // window when the context is bound.
+    // renders into, top row first like an X image, resized to the window
+    // when the context is bound.
     std::vector<std::uint32_t> memory;
     int width = 0;
     int height = 0;
