@@ -10,6 +10,7 @@
 #include "ogl/device/Platform.h"
 
 #include <cstdint>
+#include <memory>
 #include <vector>
 
 struct _XDisplay;
@@ -29,6 +30,12 @@ struct NativeDevice {
     unsigned long glxDrawable = 0;
     // The format set by SetPixelFormat (1-based), 0 before.
     int pixelFormat = 0;
+    // GLX: the display's pixel formats (GLXFBConfigs in format order),
+    // listed on first use and shared with the devices made from this one.
+    std::shared_ptr<std::vector<void*> const> glxConfigs;
+    // GLX: the config the drawable was made with when it differs from the
+    // one of pixelFormat (a pbuffer on a substituted config); null otherwise.
+    void* glxConfig = nullptr;
 
     // Mesa window emulation: the 32-bit BGRA pixels the OSMesa context
     // renders into, top row first like an X image, resized to the window
