@@ -11,6 +11,8 @@
 
 #include <gtest/gtest.h>
 
+#include "support/XDisplayGuard.h"
+
 #include <GL/gl.h>
 #include <GL/glext.h>
 #include <X11/Xlib.h>
@@ -34,7 +36,7 @@ class Glx : public ::testing::Test {
 protected:
     void SetUp() override {
         _display = GetRootDisplayHnd();
-        if (!_display) GTEST_SKIP() << "no X display: run under xvfb-run";
+        TEVOGL_SKIP_WITHOUT_DISPLAY(_display);
         _api = std::make_unique<OsApi>(ApiSystem, _display);
     }
 

@@ -9,6 +9,8 @@
 
 #include <gtest/gtest.h>
 
+#include "support/XDisplayGuard.h"
+
 #include <GL/gl.h>
 // Xlib's None and Bool macros break gtest's headers: X comes last.
 #include <X11/Xlib.h>
@@ -24,28 +26,18 @@ using Detail::NativeDevice;
 
 constexpr unsigned long White = 0xFFFFFF, Red = 0xFF0000, Green = 0x00FF00, Blue = 0x0000FF;
 
-// The Xvfb of a test run here refuses about one connection in ten (the
-// same with a bare XOpenDisplay loop), so a few tries tell a flaky server
-// from none.
-Display* OpenDisplay() {
-    for (int attempt = 0; attempt < 5; ++attempt)
-        if (Display* const display = XOpenDisplay(nullptr)) return display;
-    return nullptr;
-}
-
 class MesaWindowSystem : public ::testing::Test {
 protected:
     void SetUp() override {
-        Display* const display = OpenDisplay();
-        if (!display) GTEST_SKIP() << "no X display";
-        _display.reset(display, &XCloseDisplay);
-        _api = std::make_unique<OsApi>(ApiMesa, DisplayHnd(_display));
+        _displayHnd = GetRootDisplayHnd();
+        TEVOGL_SKIP_WITHOUT_DISPLAY(_displayHnd);
+        _api = std::make_unique<OsApi>(ApiMesa, _displayHnd);
     }
     void TearDown() override {
         for (auto& device : _devices) XDestroyWindow(X(), device->drawable);
     }
 
-    Display* X() const { return _display.get(); }
+    Display* X() const { return _displayHnd.XDisplay(); }
 
     // A mapped white window wrapped as a device with format p_format, beside
     // the others: XGetImage cannot read what another window covers.
@@ -85,14 +77,14 @@ protected:
         }).join();
     }
 
-    std::shared_ptr<_XDisplay> _display;
+    DisplayHnd _displayHnd;
     std::unique_ptr<OsApi> _api;
     std::vector<std::unique_ptr<NativeDevice>> _devices;
 };
 
 TEST_F(MesaWindowSystem, TableLogsItsFunctionsAndOffersOSMesaFormats) {
     Tev::Debug::CaptureScope capture;
-    OsApi const api(ApiMesa, DisplayHnd(_display));
+    OsApi const api(ApiMesa, _displayHnd);
     auto const lines = capture.Texts(Tev::Debug::Channel::Debug);
     ASSERT_EQ(lines.size(), 7u);
     char const* const names[] = {"OSMesaGetProcAddress", "OSMesaCreateContextExt", "OSMesaDestroyContext",
@@ -103,7 +95,7 @@ TEST_F(MesaWindowSystem, TableLogsItsFunctionsAndOffersOSMesaFormats) {
     EXPECT_EQ(api.IsSystem, 0);
     EXPECT_NE(api.GetProcAddress("glGenBuffers"), nullptr);
 
-    DisplayHnd const display(_display);
+    DisplayHnd const display(_displayHnd);
     auto choose = [&](bool p_double, bool p_depth, bool p_stencil) {
         DeviceFormatRequest request;
         request.acceleration = DeviceFormatRequest::Software;
