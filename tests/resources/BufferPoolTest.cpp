@@ -1,0 +1,299 @@
+// The buffer pool on the recording fake: exact reuse, stream buffers, the
+// statistics, mapping with its checks, copies, and that every buffer the
+// pool makes is deleted again.
+#include "ogl/resources/BufferPool.h"
+
+#include "resources/FakeFacade.h"
+#include "support/LogCapture.h"
+
+#include <GL/gl.h>
+#include <GL/glext.h>
+#include <gtest/gtest.h>
+
+#include <boost/make_shared.hpp>
+
+#include <algorithm>
+
+namespace Tev::Chart::Ogl {
+namespace {
+
+using Access = Internal::BufferPoolAccess;
+using Handle = boost::weak_ptr<BufferData>;
+using Strings = std::vector<std::string>;
+using Stats = BufferPool::MemoryStatistics;
+
+BufferUsage const StaticDraw = BufferUsage::Default;
+BufferUsage const DynamicDraw(BufferUsage::Dynamic, BufferUsage::Draw);
+BufferUsage const StreamDraw(BufferUsage::Stream, BufferUsage::Draw);
+
+char g_mapped[64];
+
+class Pool : public ::testing::Test {
+protected:
+    Pool() {
+        _facade.gl.On("glGenBuffers", [this](::Tev::Test::FakeCall const& p_call) -> ::Tev::Test::FakeResult {
+            *static_cast<GLuint*>(const_cast<void*>(p_call.Ptr(1))) = ++_generated;
+            return std::int64_t{0};
+        });
+        _facade.gl.On("glDeleteBuffers", [this](::Tev::Test::FakeCall const& p_call) -> ::Tev::Test::FakeResult {
+            _deleted.push_back(*static_cast<GLuint const*>(p_call.Ptr(1)));
+            return std::int64_t{0};
+        });
+        _facade.gl.On("glMapBufferRange", [](::Tev::Test::FakeCall const&) -> ::Tev::Test::FakeResult {
+            return static_cast<void const*>(g_mapped);
+        });
+        _pool = boost::make_shared<BufferPool>(_apiLifetime.Ref<const OglApi>(_facade.api));
+        Internal::ResourceAccess::Initialize(*_pool, *_facade.tgl, _facade.api, _facadeLifetime);
+    }
+
+    Handle Get(std::uint64_t p_bytes, BufferUsage const& p_usage) { return Access::FindOrAllocate(*_pool, p_bytes, p_usage); }
+    void Free(Handle const& p_handle) { Access::Free(*_pool, p_handle); }
+    static unsigned Name(Handle const& p_handle) { return p_handle.lock()->Buffer(); }
+    Stats Statistics() { return _pool->GetMemoryStatistics(); }
+    Strings Calls() const { return _facade.gl.CallStrings(); }
+
+    ::Tev::Test::FakeFacade _facade;
+    Utility::Lifetime _apiLifetime;
+    Utility::Lifetime _facadeLifetime;
+    boost::shared_ptr<BufferPool> _pool;
+    GLuint _generated = 0;
+    std::vector<GLuint> _deleted;
+};
+
+void ExpectStats(Stats const& p_stats, std::uint64_t p_total, std::uint64_t p_used, std::uint64_t p_freed) {
+    EXPECT_EQ(p_stats.totalMemory, p_total);
+    EXPECT_EQ(p_stats.usedMemory, p_used);
+    EXPECT_EQ(p_stats.freedMemory, p_freed);
+}
+
+TEST_F(Pool, AFreedBufferComesBackOnlyForTheSameSizeAndUsage) {
+    Handle const first = Get(1000, StaticDraw);
+    auto calls = Calls();
+    ASSERT_EQ(calls.size(), 4u);
+    EXPECT_EQ(calls[0].rfind("glGenBuffers(1, ", 0), 0u);
+    EXPECT_EQ(Strings(calls.begin() + 1, calls.end()),
+              (Strings{"glBindBuffer(34962, 1)", "glBufferData(34962, 1000, 0, 35044)", "glBindBuffer(34962, 0)"}));
+
+    Free(first);
+    _facade.gl.ClearCalls();
+    Handle const again = Get(1000, StaticDraw);
+    EXPECT_EQ(Name(again), 1u);
+    EXPECT_TRUE(Calls().empty());
+
+    Free(again);
+    Handle const larger = Get(1001, StaticDraw);
+    Handle const dynamic = Get(1000, DynamicDraw);
+    EXPECT_EQ(Name(larger), 2u);
+    EXPECT_EQ(Name(dynamic), 3u);
+    EXPECT_EQ(dynamic.lock()->Usage(), unsigned(GL_DYNAMIC_DRAW));
+    EXPECT_EQ(_facade.gl.Calls("glBufferData").back().Int(3), GL_DYNAMIC_DRAW);
+    ExpectStats(Statistics(), 3001, 2001, 1000);
+    EXPECT_TRUE(_deleted.empty());
+}
+
+TEST_F(Pool, BuffersOfOneSizeAndUsageAreAllKeptAndReusedOneByOne) {
+    Handle const a = Get(64, StaticDraw);
+    Handle const b = Get(64, StaticDraw);
+    Free(a);
+    Free(b);
+    ExpectStats(Statistics(), 128, 0, 128);
+    std::vector<unsigned> names{Name(Get(64, StaticDraw)), Name(Get(64, StaticDraw)), Name(Get(64, StaticDraw))};
+    std::sort(names.begin(), names.end());
+    EXPECT_EQ(names, (std::vector<unsigned>{1, 2, 3}));
+    ExpectStats(Statistics(), 192, 192, 0);
+}
+
+TEST_F(Pool, StreamBuffersGoAtOnceOthersWaitForReleaseFreedMemory) {
+    Handle const stream = Get(500, StreamDraw);
+    Handle const kept = Get(300, StaticDraw);
+    Handle const dynamic = Get(200, DynamicDraw);
+    Handle const inUse = Get(100, StaticDraw);
+    EXPECT_EQ(_facade.gl.Calls("glBufferData").front().Int(3), GL_STREAM_DRAW);
+
+    Free(stream);
+    EXPECT_TRUE(stream.expired());
+    EXPECT_EQ(_deleted, std::vector<GLuint>{1});
+    ExpectStats(Statistics(), 600, 600, 0);
+
+    Free(kept);
+    Free(dynamic);
+    EXPECT_EQ(_deleted.size(), 1u);
+    ExpectStats(Statistics(), 600, 100, 500);
+
+    _pool->ReleaseFreedMemory();
+    std::sort(_deleted.begin(), _deleted.end());
+    EXPECT_EQ(_deleted, (std::vector<GLuint>{1, 2, 3}));
+    ExpectStats(Statistics(), 100, 100, 0);
+    EXPECT_FALSE(inUse.expired());
+}
+
+TEST_F(Pool, FreeingWhatIsNotInUseIsReportedAndChangesNothing) {
+    Handle const h = Get(10, StaticDraw);
+    Free(h);
+    Debug::CaptureScope capture;
+    Free(h);
+    EXPECT_TRUE(::Tev::Test::HasAssertion(capture, "it != _used.end() && \"Memory to free not found in used list!\""));
+    ExpectStats(Statistics(), 10, 0, 10);
+    EXPECT_EQ(::Tev::Test::Assertions(capture).size(), 1u);
+}
+
+TEST_F(Pool, UsageTokensAndTheirChecks) {
+    unsigned const expected[12] = {GL_STATIC_DRAW,  GL_STATIC_READ,  GL_STATIC_COPY,  0,
+                                   GL_DYNAMIC_DRAW, GL_DYNAMIC_READ, GL_DYNAMIC_COPY, 0,
+                                   GL_STREAM_DRAW,  GL_STREAM_READ,  GL_STREAM_COPY,  0};
+    Debug::CaptureScope capture;
+    for (int f = 0; f < 3; ++f)
+        for (int n = 0; n < 4; ++n)
+            EXPECT_EQ(Access::UsageToken(BufferUsage(BufferUsage::Frequency(f), BufferUsage::Nature(n))),
+                      expected[f * 4 + n]);
+    auto failures = ::Tev::Test::Assertions(capture);
+    EXPECT_EQ(failures.size(), 3u);
+    EXPECT_TRUE(::Tev::Test::HasAssertion(capture, "token != Tokens::TGL_NONE"));
+
+    capture.Sink().Clear();
+    EXPECT_EQ(Access::UsageToken(BufferUsage(BufferUsage::Frequency(3), BufferUsage::Draw)), 0u);
+    failures = ::Tev::Test::Assertions(capture);
+    ASSERT_EQ(failures.size(), 1u);
+    EXPECT_EQ(failures[0].rfind("\"0 <= index < tokenLookup.size()\" - ", 0), 0u) << failures[0];
+}
+
+TEST_F(Pool, MappingBindsMapsAndUnbindsAndChecksItsWindow) {
+    Handle const h = Get(40, StaticDraw);
+    unsigned const name = Name(h);
+    unsigned const writeInvalidate = Internal::AccessPermission<2>::Permission(BufferMapWriteSync::InvalidateBuffer);
+    _facade.gl.ClearCalls();
+    Debug::CaptureScope capture;
+    void* const memory = Access::Map(*_pool, h, 2, 8, 4, writeInvalidate, GL_ARRAY_BUFFER);
+    EXPECT_EQ(memory, g_mapped);
+    EXPECT_EQ(Calls(), (Strings{"glBindBuffer(34962, 1)", "glMapBufferRange(34962, 8, 32, 10)", "glBindBuffer(34962, 0)"}));
+    EXPECT_TRUE(Access::IsMapped(*_pool, name));
+    EXPECT_TRUE(::Tev::Test::Assertions(capture).empty());
+
+    Access::Map(*_pool, h, 0, 1, 4, writeInvalidate, GL_ARRAY_BUFFER);
+    auto failures = ::Tev::Test::Assertions(capture);
+    ASSERT_EQ(failures.size(), 1u);
+    EXPECT_EQ(failures[0].rfind("\"it == _mappings.end() && \"Buffer is already mapped!\"\" - void* "
+                                "Tev::Chart::Ogl::BufferPool::MapMemory(",
+                                0),
+              0u)
+        << failures[0];
+
+    _facade.gl.ClearCalls();
+    capture.Sink().Clear();
+    Access::Unmap(*_pool, memory, name, GL_ARRAY_BUFFER);
+    EXPECT_EQ(Calls(), (Strings{"glBindBuffer(34962, 1)", "glUnmapBuffer(34962)", "glBindBuffer(34962, 0)"}));
+    EXPECT_FALSE(Access::IsMapped(*_pool, name));
+    EXPECT_TRUE(::Tev::Test::Assertions(capture).empty());
+
+    Access::Map(*_pool, h, 0, 0, 4, writeInvalidate, GL_ARRAY_BUFFER);
+    EXPECT_EQ(::Tev::Test::Assertions(capture).size(), 1u);
+    EXPECT_TRUE(::Tev::Test::HasAssertion(capture, "length != 0 && \"Array mapping lenght is zero!\""));
+    Access::Unmap(*_pool, memory, name, GL_ARRAY_BUFFER);
+
+    capture.Sink().Clear();
+    Access::Map(*_pool, h, 10, 1, 4, writeInvalidate, GL_ARRAY_BUFFER);
+    EXPECT_TRUE(::Tev::Test::HasAssertion(capture, "offset < dataPtr->_bytes && \"Array mapping offset out of bounds!\""));
+    EXPECT_TRUE(::Tev::Test::HasAssertion(
+        capture, "(offset + length) <= dataPtr->_bytes && \"Array mapping window out of bounds!\""));
+    Access::Unmap(*_pool, memory, name, GL_ARRAY_BUFFER);
+
+    capture.Sink().Clear();
+    Access::Map(*_pool, h, 8, 2, 4, writeInvalidate, GL_ARRAY_BUFFER);
+    EXPECT_TRUE(::Tev::Test::Assertions(capture).empty()) << "the window may end at the buffer's end";
+    Access::Unmap(*_pool, memory, name, GL_ARRAY_BUFFER);
+}
+
+TEST_F(Pool, UnmappingChecksWhatWasMapped) {
+    Handle const h = Get(16, StaticDraw);
+    unsigned const name = Name(h);
+    Debug::CaptureScope capture;
+    Access::Unmap(*_pool, g_mapped, name, GL_ARRAY_BUFFER);
+    EXPECT_TRUE(::Tev::Test::HasAssertion(capture, "it != _mappings.end() && \"Trying to unmap not mapped memory!\""));
+
+    Access::Map(*_pool, h, 0, 16, 1, GL_MAP_WRITE_BIT, GL_ARRAY_BUFFER);
+    capture.Sink().Clear();
+    _facade.gl.ClearCalls();
+    Access::Unmap(*_pool, g_mapped + 1, name, GL_ARRAY_BUFFER);
+    EXPECT_TRUE(::Tev::Test::HasAssertion(capture, "mapping.memory == p_memory && \"Mapping memory pointer mismatch!\""));
+    EXPECT_EQ(_facade.gl.Calls("glUnmapBuffer").size(), 1u) << "the unmap still happens";
+    EXPECT_FALSE(Access::IsMapped(*_pool, name));
+
+    _facade.gl.On("glMapBufferRange", [](::Tev::Test::FakeCall const&) -> ::Tev::Test::FakeResult {
+        return static_cast<void const*>(nullptr);
+    });
+    capture.Sink().Clear();
+    EXPECT_EQ(Access::Map(*_pool, h, 0, 16, 1, GL_MAP_WRITE_BIT, GL_ARRAY_BUFFER), nullptr);
+    EXPECT_TRUE(::Tev::Test::HasAssertion(capture, "ptr != NULL && \"OpenGL buffer mapping returned NULL!!!\""));
+    EXPECT_TRUE(Access::IsMapped(*_pool, name));
+}
+
+TEST(BufferMapAccess, BitsPerAccessKindAndFlag) {
+    using Sync = BufferMapWriteSync;
+    EXPECT_EQ(Internal::AccessPermission<2>::Permission(Sync::Default), 0x02u);
+    EXPECT_EQ(Internal::AccessPermission<2>::Permission(Sync::InvalidateRange), 0x06u);
+    EXPECT_EQ(Internal::AccessPermission<2>::Permission(Sync::InvalidateBuffer), 0x0Au);
+
+    Debug::CaptureScope capture;
+    EXPECT_EQ(Internal::AccessPermission<1>::Permission(Sync::Default), 0x03u);
+    EXPECT_TRUE(::Tev::Test::Assertions(capture).empty());
+    EXPECT_EQ(Internal::AccessPermission<1>::Permission(Sync::InvalidateBuffer), 0x03u);
+    EXPECT_TRUE(::Tev::Test::HasAssertion(
+        capture, "p_access == BufferMapWriteSync::Default && \"ReadWrite buffers only support default flushing\""));
+}
+
+TEST_F(Pool, CopiesBindBothTargetsAndReportAMissingFeature) {
+    Debug::CaptureScope capture;
+    Access::Copy(*_pool, 4, 5, 16, 32, 64);
+    EXPECT_TRUE(::Tev::Test::HasAssertion(capture, "_hasGpuCopyBuffer"));
+    EXPECT_EQ(Calls(), (Strings{"glBindBuffer(36662, 4)", "glBindBuffer(36663, 5)",
+                                "glCopyBufferSubData(36662, 36663, 16, 32, 64)", "glBindBuffer(36662, 0)",
+                                "glBindBuffer(36663, 0)"}));
+}
+
+TEST_F(Pool, EveryBufferIsDeletedWhenThePoolGoes) {
+    Free(Get(10, StaticDraw));
+    Free(Get(20, StreamDraw));
+    Get(30, DynamicDraw);
+    Get(40, StaticDraw);
+    Debug::CaptureScope capture;
+    _pool.reset();
+    std::sort(_deleted.begin(), _deleted.end());
+    EXPECT_EQ(_deleted, (std::vector<GLuint>{1, 2, 3, 4}));
+    EXPECT_TRUE(::Tev::Test::Assertions(capture).empty());
+}
+
+TEST_F(Pool, APoolNeverMadeLiveStillDeletesItsBuffers) {
+    BufferPool* const raw = new BufferPool(_apiLifetime.Ref<const OglApi>(_facade.api));
+    Access::Free(*raw, Access::FindOrAllocate(*raw, 10, StaticDraw));
+    Access::Free(*raw, Access::FindOrAllocate(*raw, 15, StreamDraw));
+    Access::FindOrAllocate(*raw, 20, StaticDraw);
+    Debug::CaptureScope capture;
+    delete raw;
+    std::sort(_deleted.begin(), _deleted.end());
+    EXPECT_EQ(_deleted, (std::vector<GLuint>{1, 2, 3}));
+    EXPECT_TRUE(::Tev::Test::Assertions(capture).empty());
+}
+
+TEST_F(Pool, TheFacadeEndingFirstReleasesEverythingButWhatAClientHolds) {
+    Free(Get(10, StaticDraw));
+    Handle const held = Get(20, StaticDraw);
+    Get(30, StaticDraw);
+    Debug::CaptureScope capture;
+    {
+        auto const locked = held.lock();
+        _facadeLifetime.Expire();
+        std::sort(_deleted.begin(), _deleted.end());
+        EXPECT_EQ(_deleted, (std::vector<GLuint>{1, 3}));
+        EXPECT_TRUE(::Tev::Test::HasAssertion(capture, "_data.empty() && \"All memory should be released by now!\""));
+        EXPECT_FALSE(_pool->IsValid());
+    }
+    EXPECT_EQ(_deleted.size(), 3u) << "the last lock going deletes the held buffer";
+
+    // The total is left as it stood, so the statistics no longer add up.
+    capture.Sink().Clear();
+    ExpectStats(Statistics(), 60, 0, 0);
+    EXPECT_TRUE(::Tev::Test::HasAssertion(capture, "(freed + used) == _totalMemory && \"Memory statistics mismatch!\""));
+}
+
+}  // namespace
+}  // namespace Tev::Chart::Ogl
