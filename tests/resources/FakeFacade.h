@@ -6,14 +6,11 @@
 #include "support/FakeGl.h"
 
 #include <memory>
-#include <string>
-#include <vector>
 
 namespace Tev::Test {
 
 struct FakeFacade {
-    explicit FakeFacade(std::vector<std::string> const& p_extensions = {}) : api(gl.Api()) {
-        gl.SetExtensions(p_extensions);
+    FakeFacade() : api(gl.Api()) {
         Debug::CaptureScope quiet;  // the limits dump
         tgl = std::make_unique<Chart::Ogl::Tgl>(api, Chart::Ogl::DeviceFeatureMask::PermitAll());
         gl.ClearCalls();

@@ -78,8 +78,9 @@ struct TEVOGL_API DeviceFormat {
     std::uint32_t stencilBits = 0;
     std::uint32_t auxBuffers = 0;
 
-    // The best format of the display for the request (see the .cpp for the
-    // rules); falls back to the window system's chooser when none fits.
+    // The best format of the display for the request (the tests and scores
+    // are in FormatRanking.h); falls back to the window system's chooser
+    // when none fits.
     static DeviceFormat ChooseDeviceFormat(OsApi const& p_api, DisplayHnd const& p_display,
                                            DeviceFormatRequest const& p_request);
     // The window system's own chooser. Throws FailedDeterminingDeviceFormat
@@ -88,6 +89,13 @@ struct TEVOGL_API DeviceFormat {
                                                  DeviceFormatRequest const& p_request);
     static std::vector<Id> GetAllDeviceFormats(OsApi const& p_api, DisplayHnd const& p_display);
     static DeviceFormat GetDeviceFormat(OsApi const& p_api, DisplayHnd const& p_display, unsigned const& p_id);
+
+    // The names the dumps print. An out-of-range value is reported as a
+    // failed check and named "<ERROR>"; DeviceType's unknown is empty.
+    static char const* DeviceTypeText(DeviceType p_type);
+    static char const* DriverModelText(DriverModel p_model);
+    static char const* PixelTypeText(PixelType p_type);
+    static char const* SwapModeText(BufferSwapMode p_mode);
 };
 
 TEVOGL_API std::ostream& operator<<(std::ostream& p_out, DeviceFormat const& p_format);

@@ -11,6 +11,10 @@ struct _XDisplay;
 
 namespace Tev::Chart::Ogl {
 
+namespace Detail {
+struct NativeDevice;
+}
+
 class TEVOGL_API DisplayHnd {
 public:
     // No display.
@@ -33,6 +37,15 @@ public:
 
 private:
     std::shared_ptr<void> _display;
+    // Made with the handle and shared by its copies, as a screen DC is.
+    std::shared_ptr<Detail::NativeDevice> _root;
 };
+
+// The default X display ($DISPLAY), opened for the handle and closed with
+// its last copy; an empty handle when no display can be opened.
+TEVOGL_API DisplayHnd GetRootDisplayHnd();
+// The display of a device, shared with whoever opened it: it must stay open
+// as long as the device.
+TEVOGL_API DisplayHnd GetDisplayHnd(DeviceHandle p_handle);
 
 }  // namespace Tev::Chart::Ogl

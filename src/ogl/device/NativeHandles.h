@@ -10,6 +10,7 @@
 #include "ogl/device/Platform.h"
 
 #include <cstdint>
+#include <memory>
 #include <vector>
 
 struct _XDisplay;
@@ -29,10 +30,16 @@ struct NativeDevice {
     unsigned long glxDrawable = 0;
     // The format set by SetPixelFormat (1-based), 0 before.
     int pixelFormat = 0;
+    // GLX: the display's pixel formats (GLXFBConfigs in format order),
+    // listed on first use and shared with the devices made from this one.
+    std::shared_ptr<std::vector<void*> const> glxConfigs;
+    // GLX: the config the drawable was made with when it differs from the
+    // one of pixelFormat (a pbuffer on a substituted config); null otherwise.
+    void* glxConfig = nullptr;
 
     // Mesa window emulation: the 32-bit BGRA pixels the OSMesa context
-    // renders into, bottom row first as OSMesa writes them, resized to the
-    // window when the context is bound.
+    // renders into, top row first like an X image, resized to the window
+    // when the context is bound.
     std::vector<std::uint32_t> memory;
     int width = 0;
     int height = 0;

@@ -1,0 +1,275 @@
+// ContextGL and GlxArbApi against a scripted window-system table: the
+// nesting count, the owning-thread checks, which formats swap, and that
+// the fake context never outlives what needed it.
+#include "ogl/device/Device.h"
+#include "ogl/device/NativeHandles.h"
+#include "ogl/device/OsApi.h"
+#include "ogl/device/glx/ContextGL.h"
+#include "ogl/device/glx/GlxArbApi.h"
+#include "support/LogCapture.h"
+
+#include <gtest/gtest.h>
+
+#include <thread>
+
+namespace Tev::Test {
+namespace {
+
+using namespace Chart::Ogl;
+using Debug::Channel;
+
+// What the scripted table was asked to do, and what it answers.
+struct Script {
+    int created = 0;
+    int deleted = 0;
+    int binds = 0;
+    int releases = 0;
+    int swaps = 0;
+    int devicePixelFormat = 3;
+    bool createFails = false;
+    bool makeCurrentFails = false;
+    bool deleteFails = false;
+    ContextHandle current = nullptr;
+    Detail::NativeContext contexts[4];
+};
+Script script;
+
+ContextHandle FakeCreate(DeviceHandle) {
+    if (script.createFails) return nullptr;
+    return &script.contexts[script.created++ % 4];
+}
+int FakeDelete(ContextHandle) { return ++script.deleted, !script.deleteFails; }
+ContextHandle FakeCurrent() { return script.current; }
+int FakeMakeCurrent(DeviceHandle, ContextHandle p_context) {
+    if (script.makeCurrentFails) return 0;
+    ++(p_context ? script.binds : script.releases);
+    script.current = p_context;
+    return 1;
+}
+int FakeSwap(DeviceHandle) { return ++script.swaps; }
+int FakeGetPixelFormat(DeviceHandle) { return script.devicePixelFormat; }
+void* FakeProcAddress(char const*) { return nullptr; }
+
+OsApi FakeApi(int p_isSystem = 0) {
+    OsApi api;
+    api.IsSystem = p_isSystem;
+    api.CreateContext = &FakeCreate;
+    api.DeleteContext = &FakeDelete;
+    api.GetCurrentContext = &FakeCurrent;
+    api.MakeCurrent = &FakeMakeCurrent;
+    api.SwapBuffers = &FakeSwap;
+    api.GetPixelFormat = &FakeGetPixelFormat;
+    api.GetProcAddress = &FakeProcAddress;
+    return api;
+}
+
+class FakeDevice final : public Device {
+public:
+    FakeDevice(DeviceFormat::Id p_id, DeviceFormat::DeviceType p_type, bool p_doubleBuffered) {
+        _format.id = p_id;
+        _format.currentDevice = p_type;
+        _format.doubleBuffered = p_doubleBuffered;
+    }
+    DeviceHandle HardwareHandle() const override { return const_cast<Detail::NativeDevice*>(&_record); }
+    // Any display will do: the context only asks whether there is one.
+    DisplayHnd HardwareDisplay() const override { return DisplayHnd::OSMesaDisplay; }
+    RenderBuffer const& Buffer() const override { return _buffer; }
+    DeviceFormat const& Format() const override { return _format; }
+
+private:
+    Detail::NativeDevice _record;
+    RenderBuffer _buffer;
+    DeviceFormat _format;
+};
+
+DeviceFormatRequest const request;
+std::string const WrongThreadBind =
+    "OnOwningThread() && \"Making gl context current to a different thread without releasing it\" "
+    "\"from a previos thread!\"";
+std::string const WrongThreadRelease = "OnOwningThread() && \"Cannot unbind GL context on a different thread!\"";
+
+class ContextGLFake : public ::testing::Test {
+protected:
+    void SetUp() override { script = Script{}; }
+};
+
+TEST_F(ContextGLFake, NestedCallsBindOnceAndReleaseOnce) {
+    Debug::CaptureScope capture;
+    FakeDevice const device(3, DeviceFormat::Window, true);
+    {
+        ContextGL context(device, FakeApi(), request);
+        EXPECT_EQ(script.created, 1);
+        context.MakeCurrent(device);
+        context.MakeCurrent(device);
+        EXPECT_EQ(script.binds, 1);
+        EXPECT_EQ(context.CurrentCount(), 2);
+        context.DoneCurrent();
+        EXPECT_EQ(script.releases, 0);
+        context.DoneCurrent();
+        EXPECT_EQ(script.releases, 1);
+        EXPECT_TRUE(Assertions(capture).empty()) << Assertions(capture).front();
+
+        // One release too many: reported, nothing released twice.
+        context.DoneCurrent();
+        EXPECT_TRUE(HasAssertion(capture, "_currentCount.get() >= 0"));
+        EXPECT_EQ(script.releases, 1);
+    }
+    EXPECT_EQ(script.deleted, 1);
+}
+
+TEST_F(ContextGLFake, OtherThreadsAreReportedAndDoNotRebind) {
+    FakeDevice const device(3, DeviceFormat::Window, true);
+    ContextGL context(device, FakeApi(), request);
+    context.MakeCurrent(device);
+    {
+        Debug::CaptureScope capture;
+        std::thread([&] { context.DoneCurrent(); }).join();
+        EXPECT_EQ(Assertions(capture).size(), 1u);
+        EXPECT_TRUE(HasAssertion(capture, WrongThreadRelease)) << Assertions(capture).front();
+    }
+    // Reported, then carried out as asked: the count fell to 0.
+    EXPECT_EQ(script.releases, 1);
+    EXPECT_EQ(context.CurrentCount(), 0);
+    context.MakeCurrent(device);
+    {
+        Debug::CaptureScope capture;
+        std::thread([&] { context.MakeCurrent(device); }).join();
+        EXPECT_TRUE(HasAssertion(capture, WrongThreadBind));
+    }
+    // Counted, not bound again: the binding stays with the first thread.
+    EXPECT_EQ(script.binds, 2);
+    EXPECT_EQ(context.CurrentCount(), 2);
+}
+
+TEST_F(ContextGLFake, OnlyDoubleBufferedWindowsSwap) {
+    Debug::CaptureScope capture;
+    struct Case {
+        DeviceFormat::DeviceType type;
+        bool doubleBuffered;
+        int swaps;
+    } const cases[] = {{DeviceFormat::Window, true, 1},
+                       {DeviceFormat::Window, false, 0},
+                       {DeviceFormat::Pbuffer, true, 0},
+                       {DeviceFormat::Bitmap, false, 0}};
+    for (Case const& c : cases) {
+        script.swaps = 0;
+        FakeDevice const device(3, c.type, c.doubleBuffered);
+        ContextGL context(device, FakeApi(), request);
+        context.MakeCurrent(device);
+        context.SwapBuffers();
+        EXPECT_EQ(script.swaps, c.swaps) << c.type << " " << c.doubleBuffered;
+        context.DoneCurrent();
+    }
+    EXPECT_TRUE(Assertions(capture).empty()) << Assertions(capture).front();
+
+    // A swap while another context is current is reported.
+    FakeDevice const window(3, DeviceFormat::Window, true);
+    ContextGL context(window, FakeApi(), request);
+    context.MakeCurrent(window);
+    script.current = nullptr;
+    context.SwapBuffers();
+    EXPECT_TRUE(HasAssertion(capture, "_api->GetCurrentContext() == _handle && "
+                                      "\"Swap failed as no context is current to this thread\""));
+}
+
+TEST_F(ContextGLFake, ForeignDevicesAndFailedBindsAreRefusedOrReported) {
+    Debug::CaptureScope capture;
+    FakeDevice const device(3, DeviceFormat::Window, true);
+    FakeDevice const foreign(4, DeviceFormat::Window, true);
+    ContextGL context(device, FakeApi(), request);
+    try {
+        context.MakeCurrent(foreign);
+        FAIL() << "bound a device of another format";
+    } catch (Context::IncompatableDevice const& e) {
+        EXPECT_STREQ(e.what(), "Incompatable device passed to OpenGL Context");
+    }
+    EXPECT_EQ(script.binds, 0);
+    EXPECT_EQ(context.CurrentCount(), 0);
+
+    script.makeCurrentFails = true;
+    context.MakeCurrent(device);
+    EXPECT_TRUE(HasAssertion(capture, "made && \"Failed to make context current!\""));
+    context.DoneCurrent();
+    EXPECT_TRUE(HasAssertion(capture, "cleared && \"Failed to clear context current!\""));
+}
+
+TEST_F(ContextGLFake, CreationAndDeletionFailures) {
+    FakeDevice const osmesa(DeviceFormat::OSMesaFormatId, DeviceFormat::OSMesa, false);
+    {
+        Debug::CaptureScope capture;
+        ContextGL const context(osmesa, FakeApi(), request);
+        EXPECT_TRUE(HasAssertion(capture, "_format.currentDevice != DeviceFormat::OSMesa && "
+                                          "\"OSMesa not supported by this gl context.\""));
+    }
+    FakeDevice const unknown(0, DeviceFormat::Window, false);
+    {
+        Debug::CaptureScope capture;
+        ContextGL const context(unknown, FakeApi(), request);
+        EXPECT_TRUE(HasAssertion(capture, "_format.id >= DeviceFormat::FirstFormatId && "
+                                          "\"Unknown format id provided\""));
+    }
+
+    script.createFails = true;
+    FakeDevice const device(3, DeviceFormat::Window, true);
+    try {
+        ContextGL const context(device, FakeApi(), request);
+        FAIL() << "no context, yet no exception";
+    } catch (Context::CreateGLContextFailed const& e) {
+        EXPECT_STREQ(e.what(), "Failed to create gl context");
+        EXPECT_EQ(e.Format().id, 3u);
+    }
+
+    script.createFails = false;
+    script.deleteFails = true;
+    Debug::CaptureScope capture;
+    { ContextGL const context(device, FakeApi(), request); }
+    EXPECT_EQ(capture.Texts(Channel::Error), std::vector<std::string>{"Failed to delete GL Context"});
+}
+
+// A system table goes through the fake context: made and bound on the
+// device, released and deleted before the constructor returns.
+TEST_F(ContextGLFake, FakeContextIsGoneBeforeTheContextIsReturned) {
+    Debug::CaptureScope capture;
+    FakeDevice const device(3, DeviceFormat::Window, true);
+    ContextGL const context(device, FakeApi(1), request);
+    EXPECT_EQ(script.created, 2);  // no ARB entries: the table's own CreateContext
+    EXPECT_EQ(script.deleted, 1);
+    EXPECT_EQ(script.binds, 1);
+    EXPECT_EQ(script.releases, 1);
+    EXPECT_EQ(capture.Texts(Channel::Debug), std::vector<std::string>{"WGL Extensions :"});
+    EXPECT_TRUE(Assertions(capture).empty()) << Assertions(capture).front();
+
+    script.devicePixelFormat = 5;
+    ContextGL const other(device, FakeApi(1), request);
+    EXPECT_TRUE(HasAssertion(capture, "sourcePixelFormat == p_pixelFormat"));
+}
+
+TEST_F(ContextGLFake, ArbCopiesShareTheFakeContextAndItsCurrentFlag) {
+    Debug::CaptureScope capture;
+    Detail::NativeDevice parent;
+    OsApi const api = FakeApi(1);
+    {
+        GlxArbApi const first = api.GetArbApi(3, &parent);
+        {
+            GlxArbApi const copy = first;
+            first.MakeCurrent();
+            EXPECT_TRUE(copy.IsCurrent());
+            copy.MakeCurrent();
+            EXPECT_TRUE(HasAssertion(capture, "!(*_isContextCurrentToThread)"));
+            copy.DoneCurrent();
+        }
+        EXPECT_EQ(script.deleted, 0);
+        EXPECT_FALSE(first.IsCurrent());
+        first.DoneCurrent();
+        EXPECT_TRUE(HasAssertion(capture, "*_isContextCurrentToThread"));
+    }
+    EXPECT_EQ(script.deleted, 1);
+
+    // A Mesa table offers no entries and no fake context.
+    GlxArbApi const mesa = FakeApi(0).GetArbApi(3, &parent);
+    EXPECT_FALSE(mesa.CreateContextAttribsARB || mesa.CreatePbuffer || mesa.DestroyPbuffer);
+    EXPECT_EQ(script.created, 1);
+}
+
+}  // namespace
+}  // namespace Tev::Test
