@@ -1,6 +1,6 @@
 // Transforms and raster state on the fake: rounding of the viewport, the
 // rotation forms, projection helpers multiplied onto GL's matrix, matrix
-// reads, and the argument checks.
+// reads, and the checks of a box or viewport of no size.
 #include "support/LogCapture.h"
 #include "tgl/FakeTgl.h"
 
@@ -81,18 +81,6 @@ TEST_F(TglTransform, RotationsSendDegreesAndSkipTheIdentity) {
     EXPECT_EQ(_fake.Calls(), Lines{"glRotated(180, 1, 0, 0)"});
 }
 
-TEST_F(TglTransform, OrthoChecksEachPairOnItsOwn) {
-    Debug::CaptureScope capture;
-    tgl().Ortho(1, 1, 0, 1, 0, 1);
-    tgl().Ortho(0, 1, 2, 2, 0, 1);
-    tgl().Ortho(0, 1, 0, 1, 3, 3);
-    EXPECT_EQ(Assertions(capture).size(), 3u);
-    EXPECT_TRUE(HasAssertion(capture, "p_left != p_right"));
-    EXPECT_TRUE(HasAssertion(capture, "p_bottom != p_top"));
-    EXPECT_TRUE(HasAssertion(capture, "p_near != p_far"));
-    EXPECT_EQ(_fake.Calls("glOrtho").size(), 3u);
-}
-
 TEST_F(TglTransform, OrthoOfABoxKeepsTheViewportAspect) {
     // A 2 x 2 box in a 200 x 100 viewport must be widened to 4 x 2.
     tgl().Ortho(Chart::Types::Viewport(0, 0, 200, 100), BoundingBox({-1, -1, -5}, {1, 1, -1}));
@@ -141,20 +129,6 @@ TEST_F(TglTransform, MatricesAreReadBackAndProjectedWithGlsOwn) {
     Debug::CaptureScope capture;
     tgl().GetMatrix(GL_COLOR);
     EXPECT_EQ(Assertions(capture).size(), 1u);
-}
-
-TEST_F(TglTransform, MemoryBarrierNeedsItsEntryPoint) {
-    tgl().IssueMemoryBarrier(0x2000);
-    EXPECT_EQ(_fake.Calls(), Lines{"glMemoryBarrier(8192)"});
-}
-
-TEST(TglTransformWithout, MemoryBarrierIsReportedWhenTheDriverLacksIt) {
-    FakeTgl fake;
-    fake.SetMissing({"glMemoryBarrier"});
-    Tgl& tgl = fake.Build();
-    Debug::CaptureScope capture;
-    tgl.IssueMemoryBarrier(0x2000);
-    EXPECT_TRUE(HasAssertion(capture, "_impl->MemoryBarrierTGL"));
 }
 
 }  // namespace
