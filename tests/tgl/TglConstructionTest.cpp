@@ -57,8 +57,11 @@ TEST(TglConstruction, Gl20DriverReadsOnlyUngatedLimitsAndDumpsThemInOrder) {
         "\tname stack depth               = 64",
     };
     EXPECT_EQ(capture.Texts(Channel::Out), expected);
-    for (auto const& entry : capture.Entries())
-        if (entry.channel == Channel::Out) EXPECT_EQ(entry.category, "ogl");
+    for (auto const& entry : capture.Entries()) {
+        if (entry.channel == Channel::Out) {
+            EXPECT_EQ(entry.category, "ogl");
+        }
+    }
 }
 
 TEST(TglConstruction, VersionGatesOpenOneByOne) {
