@@ -3,6 +3,12 @@
 // either to the driver's fixed-function pipeline or to the shader route.
 #pragma once
 
+#include "framework/types/Angle.h"
+#include "framework/types/BoundingBox.h"
+#include "framework/types/Matrix4.h"
+#include "framework/types/Quaternion.h"
+#include "framework/types/Size.h"
+#include "framework/types/Vector.h"
 #include "framework/types/Viewport.h"
 #include "framework/utility/Lifetime.h"
 #include "framework/utility/OperationStack.h"
@@ -11,13 +17,22 @@
 #include "ogl/api/DeviceFeatures.h"
 #include "ogl/api/Export.h"
 #include "ogl/api/TglExtensions.h"
+#include "ogl/tgl/Material.h"
+#include "ogl/tgl/OglDirectMode.h"
+#include "ogl/tgl/OutputStage.h"
 #include "ogl/tgl/TglLimits.h"
 
+#include <QColor>
+
+#include <boost/function.hpp>
 #include <boost/shared_ptr.hpp>
+
+#include <cstddef>
 
 #include <deque>
 #include <memory>
 #include <string>
+#include <vector>
 
 namespace Tev::Chart::Ogl {
 
@@ -26,6 +41,10 @@ struct FBOApi;
 struct TglHotEntries;
 class BufferPool;
 class OglDebug;
+class Program;
+class ProgramObject;
+class StateTracker;
+class TglResource;
 
 class TEVOGL_API Tgl {
 public:
@@ -67,12 +86,185 @@ public:
     // must point at an UndoAction (UndoOperationFallback.h).
     void PushScopedOperation(boost::shared_ptr<void> p_operation);
 
+    // The state tracker's values, on the debug channel.
+    void DumpState() const;
+    // Marks the GL command stream with "BEGIN: text" now and "END: text"
+    // when the token goes; an empty token without debug output.
+    Token DebugScope(unsigned p_id, std::string const& p_text);
+
+    // Kept for callers of the texture-slot bookkeeping, which the facade
+    // does not do: deliberately no-ops.
+    void PushTextureSlotState() {}
+    void PopTextureSlotState() {}
+    void SynchronizeTextureSlotState(char const*) {}
+
+    // ---- Primitives
+
+    // Collects what follows up to End() into one vertex array.
+    void Begin(unsigned p_primitive);
+    // Draws what Begin() collected, inside a scope of its own, so that
+    // whatever the drawing changed is undone when it is done.
+    void End();
+    bool InBeginEnd() const { return _inBeginEnd; }
+
+    void Vertex(Types::Vector2d const& p_vertex);
+    void Vertex(Types::Vector3d const& p_vertex);
+    void Vertex(Types::Vector4d const& p_vertex);
+    void Vertex(double p_x, double p_y);
+    void Vertex(double p_x, double p_y, double p_z);
+    // Inside Begin/End the normal of the following vertices; outside, the
+    // current normal.
+    void Normal(Types::Vector3d const& p_normal);
+    void Normal(double p_x, double p_y, double p_z);
+    // Inside Begin/End the colour of the following vertices; outside, the
+    // current colour.
+    void Color(QColor const& p_color);
+    void TexCoord(double p_s);
+    void TexCoord(double p_s, double p_t);
+    void TexCoord(Types::Vector2d const& p_coord);
+    void TexCoord(Types::Vector3d const& p_coord);
+    void TexCoord(Types::Vector4d const& p_coord);
+    // p_unit is a texture unit token, TGL_TEXTURE0 onwards.
+    void MultiTexCoord(unsigned p_unit, double p_s);
+    void MultiTexCoord(unsigned p_unit, Types::Vector2d const& p_coord);
+    void MultiTexCoord(unsigned p_unit, Types::Vector3d const& p_coord);
+    void MultiTexCoord(unsigned p_unit, Types::Vector4d const& p_coord);
+    void RasterPos(Types::Vector3d const& p_position);
+
+    // A vertex at a pixel position: on the pixel's corner for points and
+    // filled primitives, on its centre inside a line Begin, so that lines
+    // run through pixel centres.
+    void Pixel(int p_x, int p_y);
+    void Pixel(int p_x, int p_y, double p_z);
+    void PixelDefault(int p_x, int p_y, double p_z);
+    void PixelOffset(int p_x, int p_y, double p_z);
+
+    // ---- Attribute, name and scissor stacks. Each push needs an open
+    // scope; a push left open is popped, with a warning, when it closes.
+
+    void PushAttrib(unsigned p_mask);
+    void PopAttrib();
+    // PushAttrib, with a token whose release pops.
+    Token PushAttribScope(unsigned p_mask);
+    void PushName(unsigned p_name);
+    void PopName();
+    // Saves the scissor rectangle in force; the GL scissor follows only at
+    // the next Scissor().
+    void PushScissor();
+    void PopScissor();
+    // Narrows the rectangle in force to p_rectangle. Without a push in
+    // between, successive calls keep narrowing.
+    void Scissor(Types::Viewport const& p_rectangle);
+
+    // ---- Programs and render passes
+
+    // Makes p_program the program in force until the token goes; the one
+    // in force before comes back then.
+    Token Bind(boost::shared_ptr<Program> const& p_program);
+    boost::shared_ptr<Program> const& ActiveProgram() const { return _boundProgram; }
+    // True with no program or the fixed-function placeholder in force.
+    bool IsFixedFunction() const;
+    bool RequiresCompatibilityAttributes() const;
+    boost::shared_ptr<ProgramObject> GenFixedFunction() const;
+
+    Token ScopedOutputStage(OutputStage const& p_stage);
+    OutputStage ActiveOutputStage() const;
+
+    // ---- Transforms
+
+    void LoadMatrix(Types::Matrix4 const& p_matrix);
+    void MultMatrix(Types::Matrix4 const& p_matrix);
+    // TGL_MODELVIEW_MATRIX, TGL_PROJECTION_MATRIX or TGL_TEXTURE_MATRIX.
+    Types::Matrix4 GetMatrix(unsigned p_matrix) const;
+    void Ortho(double p_left, double p_right, double p_bottom, double p_top, double p_near, double p_far);
+    // The box, in eye coordinates, seen orthographically; its x and y extent
+    // widened about its centre to the viewport's aspect ratio, its depth
+    // giving the near and far planes.
+    void Ortho(Types::Viewport const& p_viewport, Types::BoundingBox const& p_bb);
+    // One unit per pixel of the viewport.
+    void Ortho2D(Types::Viewport const& p_viewport);
+    // A perspective with the vertical field of view p_fieldOfView and the
+    // viewport's aspect ratio; the box, in eye coordinates, gives the near
+    // and far planes.
+    void Perspective(Types::Viewport const& p_viewport, Types::BoundingBox const& p_bb, Types::Angle p_fieldOfView);
+    // Restricts drawing to p_region (centre and extent) of p_viewport.
+    void PickMatrix(Types::Viewport const& p_region, Types::Viewport const& p_viewport);
+    // Object to window coordinates with GL's current matrices and viewport;
+    // TGL_TRUE on success, TGL_FALSE (p_result untouched) otherwise.
+    int Project(Types::Vector3d const& p_object, Types::Vector3d& p_result) const;
+    int UnProject(Types::Vector3d const& p_window, Types::Vector3d& p_result) const;
+    void Rotate(Types::Angle p_angle, Types::Vector3d const& p_axis);
+    void Rotate(Types::Quaternion const& p_rotation);
+    void Scale(Types::Vector3d const& p_factors);
+    void Translate(Types::Vector3d const& p_offset);
+    void Viewport(Types::Viewport const& p_viewport);
+    void ClipPlane(unsigned p_plane, Types::Vector4d const& p_equation);
+
+    // ---- Raster state
+
+    void Enable(unsigned p_capability);
+    void Disable(unsigned p_capability);
+    void EnableClientState(unsigned p_array);
+    void DisableClientState(unsigned p_array);
+    void BlendFunc(unsigned p_source, unsigned p_destination);
+    void DepthMask(bool p_write);
+    void ClearColor(QColor const& p_color);
+    // Clamped into the widths and sizes both rasterisations support.
+    void LineWidth(float p_width);
+    void PointSize(float p_size);
+    void IssueMemoryBarrier(unsigned p_bits);
+
+    // ---- Lighting and material
+
+    void Light(unsigned p_light, unsigned p_param, Types::Vector3d const& p_value);
+    void Light(unsigned p_light, unsigned p_param, Types::Vector4d const& p_value);
+    void Light(unsigned p_light, unsigned p_param, QColor const& p_value);
+    void Light(unsigned p_light, unsigned p_param, float p_value);
+    void Light(unsigned p_light, unsigned p_param, Qt::GlobalColor p_value);
+    void LightModel(unsigned p_param, Types::Vector4d const& p_value);
+    void LightModel(unsigned p_param, int p_value);
+    void Material(Ogl::Material const& p_material);
+    void ColorMaterial(unsigned p_face, unsigned p_mode);
+    // The values the shader route feeds to its uniforms.
+    StateTracker const& GetStateTracker() const { return *_stateTracker; }
+
+    // ---- Limits
+
+    // At most 2: the shader route has two lights.
+    int GetMaxLights() const;
+    int GetMaxStencilBits() const { return _limits.stencilBits; }
+    int GetMaxClipPlanes() const { return _limits.clipPlanes; }
+    int GetMaxTextureSize() const { return _limits.textureSize; }
+    int GetMaxTextureBufferSize() const { return _limits.textureBufferSize; }
+    // The fixed units in fixed-function mode, the fragment units otherwise.
+    int GetMaxTextures() const;
+    Types::Size GetMaxViewportSize() const;
+    int GetMaxPrimitiveCount() const { return 500000; }
+    TglLimits const& Limits() const { return _limits; }
+
 private:
     Utility::WeakWatchedRef<Tgl> Handle();
     FBOApi const* FBOBindings() const { return _fboApi.get(); }
 
-    void ChooseFBOApi();
+    // False, with no set made, when neither family is complete.
+    bool ChooseFBOApi();
     void ReadPointAndLineRanges();
+    bool LightIndexValid(unsigned p_light) const;
+    // Makes a resource live against this facade: it learns the table and
+    // watches the facade's lifetime. Every factory ends with this.
+    void InitializeResource(TglResource& p_resource);
+
+    // A token whose release calls p_pop on this facade, if it still exists.
+    Token MakeToken(void (Tgl::*p_pop)());
+    // Opens a level on p_stack holding p_undo, and files the backstop for
+    // it on the current scope.
+    void PushUndo(Utility::OperationStack& p_stack, boost::function<void()> p_undo, char const* p_undoName,
+                  char const* p_fallbackName);
+
+    void RestoreProgram(boost::shared_ptr<Program> const& p_program);
+    void UnbindProgram();
+    void PushRenderPass(OutputStage const& p_stage);
+    void PopRenderPass();
 
     std::unique_ptr<OglApi> _impl;
     Utility::VersionNo _glVersion;
@@ -84,6 +276,7 @@ private:
     ExtensionSet _extensions;
     std::unique_ptr<FBOApi> _fboApi;
     bool _inBeginEnd = false;
+    void (Tgl::*_pixelFunction)(int, int, double) = &Tgl::PixelDefault;
     double _pixelDepth = 0.0;
     TglLimits _limits;
     Utility::OperationStack _scopes;
@@ -95,6 +288,15 @@ private:
     double _pointSizeRange[2] = {0.0, 0.0};
     double _lineWidthRange[2] = {0.0, 0.0};
     Utility::Lifetime _lifetime;
+    std::unique_ptr<StateTracker> _stateTracker;
+    boost::shared_ptr<Program> _boundProgram;
+    boost::shared_ptr<Program> _fixedFunction;
+    // Keeps the placeholder bound for the facade's life.
+    Token _fixedFunctionToken;
+    // The programs in force before each Bind still open.
+    std::vector<boost::shared_ptr<Program>> _programStack;
+    boost::shared_ptr<std::deque<OutputStage>> _outputStageStack;
+    OglDirectMode _directMode;
     boost::shared_ptr<BufferPool> _bufferPool;
     std::unique_ptr<OglDebug> _debug;
 };
