@@ -7,6 +7,7 @@
 #include <link.h>
 
 #include <algorithm>
+#include <array>
 #include <filesystem>
 #include <vector>
 
@@ -116,10 +117,15 @@ void* GlImplementation::FindGlu(char const* p_symbol) const { return dlsym(_hand
 
 void GlImplementation::PrepareThread() const {
     if (!_handles->ctypeInit) return;
-    thread_local std::vector<Lmid_t> prepared;
-    if (std::find(prepared.begin(), prepared.end(), _handles->lmid) != prepared.end()) return;
+    // Trivially destructible on purpose: a context that lives in a static
+    // is released at exit, after the main thread's thread_local objects
+    // with destructors are gone. glibc allows 16 namespaces in a process.
+    thread_local std::array<Lmid_t, 16> prepared{};
+    thread_local std::size_t preparedCount = 0;
+    auto const end = prepared.begin() + preparedCount;
+    if (std::find(prepared.begin(), end, _handles->lmid) != end) return;
     _handles->ctypeInit();
-    prepared.push_back(_handles->lmid);
+    if (preparedCount < prepared.size()) prepared[preparedCount++] = _handles->lmid;
 }
 
 }  // namespace Tev::Chart::Ogl::Detail
