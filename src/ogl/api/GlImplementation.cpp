@@ -5,6 +5,7 @@
 
 #include <dlfcn.h>
 #include <link.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <filesystem>
@@ -19,6 +20,8 @@ struct GlImplementation::Handles {
     Lmid_t lmid = LM_ID_BASE;
     using CtypeInit = void (*)();
     CtypeInit ctypeInit = nullptr;
+    // The namespace libc's own environ.
+    char*** environment = nullptr;
 };
 
 ImplementationFiles ImplementationFiles::System() {
@@ -88,6 +91,7 @@ GlImplementation::GlImplementation(ImplementationFiles p_files)
         void* libc = dlmopen(h.lmid, "libc.so.6", RTLD_NOW | RTLD_NOLOAD);
         if (libc) h.ctypeInit = reinterpret_cast<Handles::CtypeInit>(dlsym(libc, "__ctype_init"));
         ensure(h.ctypeInit && "The Mesa namespace's libc offers no __ctype_init");
+        if (libc) h.environment = reinterpret_cast<char***>(dlsym(libc, "environ"));
         PrepareThread();
     }
 }
@@ -114,8 +118,15 @@ void* GlImplementation::FindGl(char const* p_symbol) const { return dlsym(_handl
 
 void* GlImplementation::FindGlu(char const* p_symbol) const { return dlsym(_handles->glu, p_symbol); }
 
+// Workaround "namespace-environ": the namespace's libc takes the process's
+// environment array once, when the namespace is loaded. A setenv after that
+// moves the process's array and frees the old one, which Mesa's getenv (on
+// every context it creates) then reads. Handing the namespace the process's
+// current array before each use keeps both on one environment. Remove when
+// Mesa no longer runs in a private namespace.
 void GlImplementation::PrepareThread() const {
     if (!_handles->ctypeInit) return;
+    if (_handles->environment) *_handles->environment = ::environ;
     thread_local std::vector<Lmid_t> prepared;
     if (std::find(prepared.begin(), prepared.end(), _handles->lmid) != prepared.end()) return;
     _handles->ctypeInit();
