@@ -1,115 +1,116 @@
-// tevogl-info: what a GL implementation offers the library. Loads the Mesa
-// implementation, makes an OSMesa context current, fills its entry-point
-// table and prints the table's dumps, the vendor, the tracked extensions
-// and the device features.
-#include "framework/debug/Debug.h"
-#include "ogl/api/ApiExceptions.h"
-#include "ogl/api/DeviceFeatures.h"
-#include "ogl/api/OglApi.h"
-#include "ogl/api/TglExtensions.h"
-#include "ogl/device/osmesa/ContextOSMesa.h"
-#include "ogl/device/osmesa/DeviceOSMesa.h"
+// tevogl-info: what a GL implementation offers the library, and which pixel
+// formats a display offers it. The report loads an implementation through
+// a device context, makes its context current, fills the entry-point table
+// and prints the table's dumps, the vendor, the tracked extensions and the
+// device features.
+#include "Formats.h"
+#include "Report.h"
 
-#include <cstring>
-#include <iomanip>
+#include <cstdlib>
 #include <iostream>
+#include <stdexcept>
 #include <string>
+
+namespace TevOglInfo {
 
 namespace {
 
-using namespace Tev::Chart::Ogl;
-using Tev::Debug::Channel;
-
 constexpr char const* Usage =
-    "Usage: tevogl-info [--log] [--help]\n"
+    "Usage: tevogl-info [--system] [--log]\n"
+    "       tevogl-info --formats [--software] [--window | --offscreen] [--double] [--depth]\n"
+    "                   [--stencil] [--log]\n"
+    "       tevogl-info --help\n"
     "\n"
-    "Loads the Mesa software implementation (OSMesa in the library's private\n"
-    "namespace), makes a 4x4 OSMesa context current and reports what the\n"
-    "library finds: the GL, GLU and GLSL dumps of the entry-point table, the\n"
-    "vendor, the 23 tracked extensions and the 10 device features.\n"
+    "Without --formats, reports what the library finds in a GL implementation: the\n"
+    "device context it makes (the requested and the chosen pixel format), the GL,\n"
+    "GLU and GLSL dumps of the entry-point table, the vendor, the 23 tracked\n"
+    "extensions and the 10 device features. By default that is the Mesa software\n"
+    "implementation (OSMesa in the library's private namespace) drawing into a\n"
+    "4x4 OSMesa buffer.\n"
     "\n"
-    "  --log    also print every line the loader logs (entry lookups, versions)\n"
-    "  --help   print this text\n"
+    "  --system     report the system GL on $DISPLAY instead, through an off-screen\n"
+    "               hardware device context (a GLX pbuffer or pixmap)\n"
+    "  --formats    list every pixel format of $DISPLAY as the library describes it,\n"
+    "               then the one the format chooser picks for the request below\n"
+    "  --software   with --formats: the Mesa window system's formats instead of\n"
+    "               GLX's (these need no display), and a software request\n"
+    "  --window     with --formats: request a window (the default)\n"
+    "  --offscreen  with --formats: request an off-screen surface\n"
+    "  --double     with --formats: request double buffering\n"
+    "  --depth      with --formats: request a depth buffer\n"
+    "  --stencil    with --formats: request a stencil buffer\n"
+    "  --log        also print every line the library logs (entry lookups, versions)\n"
+    "  --help       print this text\n"
     "\n"
-    "Exit status: 0 on success, 1 when the implementation cannot be loaded,\n"
-    "2 on a usage error.\n";
+    "Exit status: 0 on success, 1 when the implementation or the X display cannot\n"
+    "be had, 2 on a usage error.\n";
 
-char const* VendorName(Vendors p_vendor) {
-    switch (p_vendor) {
-        case AMD: return "AMD";
-        case NVIDIA: return "NVIDIA";
-        case MESA: return "MESA";
-        default: return "UNKNOWN";
+struct UsageError : std::runtime_error {
+    using std::runtime_error::runtime_error;
+};
+
+// Returns false for --help.
+bool Apply(std::string const& p_arg, Options& p_options) {
+    Tev::Chart::Ogl::DeviceFormatRequest& request = p_options.request;
+    if (p_arg == "--help" || p_arg == "-h") return false;
+    if (p_arg == "--system") p_options.system = true;
+    else if (p_arg == "--formats") p_options.formats = true;
+    else if (p_arg == "--log") p_options.log = true;
+    else if (p_arg == "--software") p_options.software = true;
+    else if (p_arg == "--window") request.devices = request.Window;
+    else if (p_arg == "--offscreen") request.devices = request.Offscreen;
+    else if (p_arg == "--double") request.doubleBuffered = true;
+    else if (p_arg == "--depth") request.depthBuffer = true;
+    else if (p_arg == "--stencil") request.stencilBuffer = true;
+    else throw UsageError("unknown option '" + p_arg + "'");
+    return true;
+}
+
+Options Parse(int p_argc, char** p_argv, bool& p_help) {
+    Options options;
+    bool requestGiven = false;
+    p_help = false;
+    for (int i = 1; i < p_argc && !p_help; ++i) {
+        std::string const arg = p_argv[i];
+        p_help = !Apply(arg, options);
+        requestGiven |= arg != "--system" && arg != "--formats" && arg != "--log";
     }
-}
-
-void PrintHeading(char const* p_title) { std::cout << '\n' << p_title << '\n' << std::string(std::strlen(p_title), '-') << '\n'; }
-
-void PrintLoaderLog(Tev::Debug::CaptureSink const& p_log, bool p_everything) {
-    PrintHeading("Entry-point table");
-    for (auto const& entry : p_log.Entries()) {
-        bool const dump = entry.text.rfind("GL:\n", 0) == 0 || entry.text.rfind("GLU:\n", 0) == 0 ||
-                          entry.text.rfind("GLSL:\n", 0) == 0;
-        if (dump || p_everything || entry.channel != Channel::Debug)
-            std::cout << entry.text << (entry.text.empty() || entry.text.back() != '\n' ? "\n" : "");
-    }
-}
-
-void PrintExtensions(ExtensionSet const& p_extensions) {
-    PrintHeading("Tracked extensions");
-    for (int i = 0; i < TglExtensions_Count; ++i)
-        std::cout << "  " << (p_extensions.test(i) ? "[x] " : "[ ] ") << GetExtensionString(TglExtensions(i)) << '\n';
-    std::cout << "  " << p_extensions.count() << " of " << TglExtensions_Count << " present\n";
-}
-
-void PrintFeatures(DeviceFeatures const& p_features) {
-    PrintHeading("Device features");
-    for (int i = 0; i < DeviceFeatures::FeatureCount; ++i) {
-        auto const feature = DeviceFeatures::Feature(i);
-        std::cout << "  " << std::left << std::setw(38) << DeviceFeatures::Name(feature)
-                  << (p_features.Supported(feature) ? "supported" : "not supported") << '\n';
-    }
-}
-
-int Run(bool p_log) {
-    DeviceOSMesa device(4, 4);
-    ContextOSMesa context(device);
-    context.MakeCurrent(device);
-    Tev::Debug::CaptureScope capture;
-    OglApi const gl(ApiMesa);
-    ExtensionSet const extensions = ReadExtensions(gl);
-    DeviceFeatures const features = DeviceFeatures::Determine(gl, gl.GlVersion, extensions);
-
-    std::cout << "TevOgl implementation report: Mesa (OSMesa, software)\n";
-    PrintLoaderLog(capture.Sink(), p_log);
-    PrintHeading("Implementation");
-    std::cout << "  Vendor       : " << VendorName(gl.Vendor) << '\n'
-              << "  GL version   : " << gl.GlVersion.Major() << '.' << gl.GlVersion.Minor() << '\n'
-              << "  GLSL version : " << gl.GlslVersion.Major() << '.' << gl.GlslVersion.Minor() << '\n';
-    PrintExtensions(extensions);
-    PrintFeatures(features);
-    context.DoneCurrent();
-    return 0;
+    if (p_help) return options;
+    if (options.system && options.software) throw UsageError("--system and --software exclude each other");
+    if (requestGiven && !options.formats) throw UsageError("--software and the request options need --formats");
+    options.request.acceleration = options.software ? options.request.Software : options.request.Hardware;
+    return options;
 }
 
 }  // namespace
 
+int NoDisplay(char const* p_option) {
+    char const* const display = std::getenv("DISPLAY");
+    std::cerr << "tevogl-info: " << p_option << " needs an X display, and "
+              << (display && *display ? "the one in $DISPLAY (" + std::string(display) + ") cannot be opened"
+                          : std::string("$DISPLAY is not set"))
+              << '\n';
+    return 1;
+}
+
+}  // namespace TevOglInfo
+
 int main(int p_argc, char** p_argv) {
-    bool log = false;
-    for (int i = 1; i < p_argc; ++i) {
-        std::string const arg = p_argv[i];
-        if (arg == "--help" || arg == "-h") {
+    using namespace TevOglInfo;
+    Options options;
+    try {
+        bool help = false;
+        options = Parse(p_argc, p_argv, help);
+        if (help) {
             std::cout << Usage;
             return 0;
         }
-        if (arg != "--log") {
-            std::cerr << "tevogl-info: unknown option '" << arg << "'\n\n" << Usage;
-            return 2;
-        }
-        log = true;
+    } catch (UsageError const& e) {
+        std::cerr << "tevogl-info: " << e.what() << "\n\n" << Usage;
+        return 2;
     }
     try {
-        return Run(log);
+        return options.formats ? RunFormats(options) : RunReport(options);
     } catch (std::exception const& e) {
         std::cerr << "tevogl-info: " << e.what() << '\n';
         return 1;

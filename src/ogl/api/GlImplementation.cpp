@@ -5,6 +5,7 @@
 
 #include <dlfcn.h>
 #include <link.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <array>
@@ -20,6 +21,8 @@ struct GlImplementation::Handles {
     Lmid_t lmid = LM_ID_BASE;
     using CtypeInit = void (*)();
     CtypeInit ctypeInit = nullptr;
+    // The namespace libc's own environ.
+    char*** environment = nullptr;
 };
 
 ImplementationFiles ImplementationFiles::System() {
@@ -89,6 +92,7 @@ GlImplementation::GlImplementation(ImplementationFiles p_files)
         void* libc = dlmopen(h.lmid, "libc.so.6", RTLD_NOW | RTLD_NOLOAD);
         if (libc) h.ctypeInit = reinterpret_cast<Handles::CtypeInit>(dlsym(libc, "__ctype_init"));
         ensure(h.ctypeInit && "The Mesa namespace's libc offers no __ctype_init");
+        if (libc) h.environment = reinterpret_cast<char***>(dlsym(libc, "environ"));
         PrepareThread();
     }
 }
@@ -115,8 +119,15 @@ void* GlImplementation::FindGl(char const* p_symbol) const { return dlsym(_handl
 
 void* GlImplementation::FindGlu(char const* p_symbol) const { return dlsym(_handles->glu, p_symbol); }
 
+// Workaround "namespace-environ": the namespace's libc takes the process's
+// environment array once, when the namespace is loaded. A setenv after that
+// moves the process's array and frees the old one, which Mesa's getenv (on
+// every context it creates) then reads. Handing the namespace the process's
+// current array before each use keeps both on one environment. Remove when
+// Mesa no longer runs in a private namespace.
 void GlImplementation::PrepareThread() const {
     if (!_handles->ctypeInit) return;
+    if (_handles->environment) *_handles->environment = ::environ;
     // Trivially destructible on purpose: a context that lives in a static
     // is released at exit, after the main thread's thread_local objects
     // with destructors are gone. glibc allows 16 namespaces in a process.

@@ -59,8 +59,9 @@ public:
     // Must run on every thread before that thread uses a private-namespace
     // implementation: the namespace's own libc sets up its per-thread ctype
     // tables only on the thread that loaded it, and Mesa's LLVM crashes
-    // without them. Cheap after the first call on a thread; a no-op for the
-    // system implementation.
+    // without them. It also hands the namespace the process's current
+    // environment, which setenv may have moved since. Cheap after the first
+    // call on a thread; a no-op for the system implementation.
     void PrepareThread() const;
 
 private:
