@@ -72,7 +72,6 @@ TEST(TglConstruction, SetsUpTextureUnitsMatrixModeAndFixedFunction) {
     ASSERT_TRUE(tgl.GenFixedFunction());
     EXPECT_TRUE(tgl.GenFixedFunction()->Handle() == 0u && tgl.GenFixedFunction()->IsActive());
     EXPECT_EQ(tgl.ActiveOutputStage(), OutputStage::Forward);
-    EXPECT_EQ(tgl.GetMaxPrimitiveCount(), 500000);
     EXPECT_EQ(tgl.GetMaxViewportSize(), Chart::Types::Size(8192, 4096));
 }
 
