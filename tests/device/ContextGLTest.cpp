@@ -20,17 +20,14 @@ using Debug::Channel;
 
 // What the scripted table was asked to do, and what it answers.
 struct Script {
-    int created = 0;
-    int deleted = 0;
-    int binds = 0;
-    int releases = 0;
-    int swaps = 0;
+    int created = 0, deleted = 0, binds = 0, releases = 0, swaps = 0;
     int devicePixelFormat = 3;
-    bool createFails = false;
-    bool makeCurrentFails = false;
-    bool deleteFails = false;
+    bool createFails = false, makeCurrentFails = false, deleteFails = false;
     ContextHandle current = nullptr;
     Detail::NativeContext contexts[4];
+
+    // Created, deleted, bound, released.
+    std::vector<int> Counts() const { return {created, deleted, binds, releases}; }
 };
 Script script;
 
@@ -91,20 +88,18 @@ std::string const WrongThreadRelease = "OnOwningThread() && \"Cannot unbind GL c
 class ContextGLFake : public ::testing::Test {
 protected:
     void SetUp() override { script = Script{}; }
+    FakeDevice const device{3, DeviceFormat::Window, true};
 };
 
 TEST_F(ContextGLFake, NestedCallsBindOnceAndReleaseOnce) {
     Debug::CaptureScope capture;
-    FakeDevice const device(3, DeviceFormat::Window, true);
     {
         ContextGL context(device, FakeApi(), request);
-        EXPECT_EQ(script.created, 1);
         context.MakeCurrent(device);
         context.MakeCurrent(device);
-        EXPECT_EQ(script.binds, 1);
         EXPECT_EQ(context.CurrentCount(), 2);
         context.DoneCurrent();
-        EXPECT_EQ(script.releases, 0);
+        EXPECT_EQ(script.Counts(), (std::vector<int>{1, 0, 1, 0}));
         context.DoneCurrent();
         EXPECT_EQ(script.releases, 1);
         EXPECT_TRUE(Assertions(capture).empty()) << Assertions(capture).front();
@@ -112,13 +107,11 @@ TEST_F(ContextGLFake, NestedCallsBindOnceAndReleaseOnce) {
         // One release too many: reported, nothing released twice.
         context.DoneCurrent();
         EXPECT_TRUE(HasAssertion(capture, "_currentCount.get() >= 0"));
-        EXPECT_EQ(script.releases, 1);
     }
-    EXPECT_EQ(script.deleted, 1);
+    EXPECT_EQ(script.Counts(), (std::vector<int>{1, 1, 1, 1}));
 }
 
 TEST_F(ContextGLFake, OtherThreadsAreReportedAndDoNotRebind) {
-    FakeDevice const device(3, DeviceFormat::Window, true);
     ContextGL context(device, FakeApi(), request);
     context.MakeCurrent(device);
     {
@@ -128,8 +121,7 @@ TEST_F(ContextGLFake, OtherThreadsAreReportedAndDoNotRebind) {
         EXPECT_TRUE(HasAssertion(capture, WrongThreadRelease)) << Assertions(capture).front();
     }
     // Reported, then carried out as asked: the count fell to 0.
-    EXPECT_EQ(script.releases, 1);
-    EXPECT_EQ(context.CurrentCount(), 0);
+    EXPECT_TRUE(script.releases == 1 && context.CurrentCount() == 0);
     context.MakeCurrent(device);
     {
         Debug::CaptureScope capture;
@@ -137,8 +129,7 @@ TEST_F(ContextGLFake, OtherThreadsAreReportedAndDoNotRebind) {
         EXPECT_TRUE(HasAssertion(capture, WrongThreadBind));
     }
     // Counted, not bound again: the binding stays with the first thread.
-    EXPECT_EQ(script.binds, 2);
-    EXPECT_EQ(context.CurrentCount(), 2);
+    EXPECT_TRUE(script.binds == 2 && context.CurrentCount() == 2);
 }
 
 TEST_F(ContextGLFake, OnlyDoubleBufferedWindowsSwap) {
@@ -147,15 +138,13 @@ TEST_F(ContextGLFake, OnlyDoubleBufferedWindowsSwap) {
         DeviceFormat::DeviceType type;
         bool doubleBuffered;
         int swaps;
-    } const cases[] = {{DeviceFormat::Window, true, 1},
-                       {DeviceFormat::Window, false, 0},
-                       {DeviceFormat::Pbuffer, true, 0},
-                       {DeviceFormat::Bitmap, false, 0}};
+    } const cases[] = {{DeviceFormat::Window, true, 1}, {DeviceFormat::Window, false, 0},
+                       {DeviceFormat::Pbuffer, true, 0}, {DeviceFormat::Bitmap, false, 0}};
     for (Case const& c : cases) {
         script.swaps = 0;
-        FakeDevice const device(3, c.type, c.doubleBuffered);
-        ContextGL context(device, FakeApi(), request);
-        context.MakeCurrent(device);
+        FakeDevice const swapping(3, c.type, c.doubleBuffered);
+        ContextGL context(swapping, FakeApi(), request);
+        context.MakeCurrent(swapping);
         context.SwapBuffers();
         EXPECT_EQ(script.swaps, c.swaps) << c.type << " " << c.doubleBuffered;
         context.DoneCurrent();
@@ -163,9 +152,8 @@ TEST_F(ContextGLFake, OnlyDoubleBufferedWindowsSwap) {
     EXPECT_TRUE(Assertions(capture).empty()) << Assertions(capture).front();
 
     // A swap while another context is current is reported.
-    FakeDevice const window(3, DeviceFormat::Window, true);
-    ContextGL context(window, FakeApi(), request);
-    context.MakeCurrent(window);
+    ContextGL context(device, FakeApi(), request);
+    context.MakeCurrent(device);
     script.current = nullptr;
     context.SwapBuffers();
     EXPECT_TRUE(HasAssertion(capture, "_api->GetCurrentContext() == _handle && "
@@ -174,7 +162,6 @@ TEST_F(ContextGLFake, OnlyDoubleBufferedWindowsSwap) {
 
 TEST_F(ContextGLFake, ForeignDevicesAndFailedBindsAreRefusedOrReported) {
     Debug::CaptureScope capture;
-    FakeDevice const device(3, DeviceFormat::Window, true);
     FakeDevice const foreign(4, DeviceFormat::Window, true);
     ContextGL context(device, FakeApi(), request);
     try {
@@ -183,8 +170,7 @@ TEST_F(ContextGLFake, ForeignDevicesAndFailedBindsAreRefusedOrReported) {
     } catch (Context::IncompatableDevice const& e) {
         EXPECT_STREQ(e.what(), "Incompatable device passed to OpenGL Context");
     }
-    EXPECT_EQ(script.binds, 0);
-    EXPECT_EQ(context.CurrentCount(), 0);
+    EXPECT_TRUE(script.binds == 0 && context.CurrentCount() == 0);
 
     script.makeCurrentFails = true;
     context.MakeCurrent(device);
@@ -194,23 +180,17 @@ TEST_F(ContextGLFake, ForeignDevicesAndFailedBindsAreRefusedOrReported) {
 }
 
 TEST_F(ContextGLFake, CreationAndDeletionFailures) {
+    Debug::CaptureScope capture;
     FakeDevice const osmesa(DeviceFormat::OSMesaFormatId, DeviceFormat::OSMesa, false);
-    {
-        Debug::CaptureScope capture;
-        ContextGL const context(osmesa, FakeApi(), request);
-        EXPECT_TRUE(HasAssertion(capture, "_format.currentDevice != DeviceFormat::OSMesa && "
-                                          "\"OSMesa not supported by this gl context.\""));
-    }
     FakeDevice const unknown(0, DeviceFormat::Window, false);
-    {
-        Debug::CaptureScope capture;
-        ContextGL const context(unknown, FakeApi(), request);
-        EXPECT_TRUE(HasAssertion(capture, "_format.id >= DeviceFormat::FirstFormatId && "
-                                          "\"Unknown format id provided\""));
-    }
+    { ContextGL const context(osmesa, FakeApi(), request); }
+    { ContextGL const context(unknown, FakeApi(), request); }
+    EXPECT_EQ(Assertions(capture).size(), 2u);
+    EXPECT_TRUE(HasAssertion(capture, "_format.currentDevice != DeviceFormat::OSMesa && "
+                                      "\"OSMesa not supported by this gl context.\""));
+    EXPECT_TRUE(HasAssertion(capture, "_format.id >= DeviceFormat::FirstFormatId && \"Unknown format id provided\""));
 
     script.createFails = true;
-    FakeDevice const device(3, DeviceFormat::Window, true);
     try {
         ContextGL const context(device, FakeApi(), request);
         FAIL() << "no context, yet no exception";
@@ -221,7 +201,7 @@ TEST_F(ContextGLFake, CreationAndDeletionFailures) {
 
     script.createFails = false;
     script.deleteFails = true;
-    Debug::CaptureScope capture;
+    capture.Sink().Clear();
     { ContextGL const context(device, FakeApi(), request); }
     EXPECT_EQ(capture.Texts(Channel::Error), std::vector<std::string>{"Failed to delete GL Context"});
 }
@@ -230,12 +210,9 @@ TEST_F(ContextGLFake, CreationAndDeletionFailures) {
 // device, released and deleted before the constructor returns.
 TEST_F(ContextGLFake, FakeContextIsGoneBeforeTheContextIsReturned) {
     Debug::CaptureScope capture;
-    FakeDevice const device(3, DeviceFormat::Window, true);
     ContextGL const context(device, FakeApi(1), request);
-    EXPECT_EQ(script.created, 2);  // no ARB entries: the table's own CreateContext
-    EXPECT_EQ(script.deleted, 1);
-    EXPECT_EQ(script.binds, 1);
-    EXPECT_EQ(script.releases, 1);
+    // Without ARB entries both come from the table's own CreateContext.
+    EXPECT_EQ(script.Counts(), (std::vector<int>{2, 1, 1, 1}));
     EXPECT_EQ(capture.Texts(Channel::Debug), std::vector<std::string>{"WGL Extensions :"});
     EXPECT_TRUE(Assertions(capture).empty()) << Assertions(capture).front();
 
@@ -258,8 +235,7 @@ TEST_F(ContextGLFake, ArbCopiesShareTheFakeContextAndItsCurrentFlag) {
             EXPECT_TRUE(HasAssertion(capture, "!(*_isContextCurrentToThread)"));
             copy.DoneCurrent();
         }
-        EXPECT_EQ(script.deleted, 0);
-        EXPECT_FALSE(first.IsCurrent());
+        EXPECT_TRUE(script.deleted == 0 && !first.IsCurrent());
         first.DoneCurrent();
         EXPECT_TRUE(HasAssertion(capture, "*_isContextCurrentToThread"));
     }

@@ -27,13 +27,7 @@ Descriptor Make(Edit const& p_edit) {
 
 Request MakeRequest(std::uint32_t p_devices, std::uint32_t p_acceleration, bool p_double = false,
                     bool p_depth = false, bool p_stencil = false) {
-    Request request;
-    request.devices = p_devices;
-    request.acceleration = p_acceleration;
-    request.doubleBuffered = p_double;
-    request.depthBuffer = p_depth;
-    request.stencilBuffer = p_stencil;
-    return request;
+    return {p_devices, {0, 0}, p_acceleration, p_double, p_depth, p_stencil, false, {}};
 }
 
 Edit Flags(std::uint32_t p_set, std::uint32_t p_clear = 0) {
@@ -193,10 +187,8 @@ TEST_F(DeviceFormatChoice, ConvertsDescriptorFlagsAndCounts) {
     counts.cDepthBits = 32, counts.cAccumBits = 64, counts.cStencilBits = 4, counts.cAuxBuffers = 3, counts.iLayerType = 2;
     ScriptedFormats script({counts});
     DeviceFormat const format = DeviceFormat::GetDeviceFormat(ScriptedFormats::Table(false), _display, 1u);
-    EXPECT_EQ(format.id, 1u);
-    EXPECT_EQ(format.currentDevice, DeviceFormat::UnknownDevice);
-    EXPECT_TRUE(format.openGL && format.stereo && format.mesaSoftware);
-    EXPECT_EQ(format.pixelType, DeviceFormat::ColorIndex);
+    EXPECT_TRUE(format.id == 1u && format.currentDevice == DeviceFormat::UnknownDevice);
+    EXPECT_TRUE(format.openGL && format.stereo && format.mesaSoftware && format.pixelType == DeviceFormat::ColorIndex);
     EXPECT_EQ(format.layerPlane, 2u);
     EXPECT_EQ(std::vector<std::uint32_t>({format.colorBits, format.redBits, format.greenBits, format.blueBits,
                                           format.alphaBits, format.depthBits, format.accumBits, format.stencilBits,
@@ -233,8 +225,8 @@ TEST_F(DeviceFormatChoice, TheOSMesaDisplayHasOneFixedFormat) {
     ScopedEnv forced("TEVOS_FORCE_PIXEL_FORMAT", "1");
     DeviceFormat const format =
         DeviceFormat::ChooseDeviceFormat(api, osmesa, MakeRequest(Request::Window, Request::Software, true, true));
-    EXPECT_EQ(format.id, DeviceFormat::OSMesaFormatId);
-    EXPECT_EQ(format.supportedDevices, DeviceFormat::DeviceBit(DeviceFormat::OSMesa));
+    EXPECT_TRUE(format.id == DeviceFormat::OSMesaFormatId &&
+                format.supportedDevices == DeviceFormat::DeviceBit(DeviceFormat::OSMesa));
     EXPECT_FALSE(format.openGL || format.mesaSoftware || format.doubleBuffered);
     EXPECT_EQ(format.depthBits + format.colorBits + format.greenBits, 0u);
     EXPECT_TRUE(script.describedIds.empty() && script.chooseRequests.empty());
@@ -250,9 +242,7 @@ TEST_F(DeviceFormatChoice, SystemChooserAsksWithTheRequestDescriptor) {
     ScriptedFormats script({Make(nullptr), Make(Single)});
     script.chooseResult = 2;
     DeviceFormat const chosen = DeviceFormat::ChooseDeviceFormatSystem(ScriptedFormats::Table(true), _display, request);
-    EXPECT_EQ(chosen.id, 2u);
-    EXPECT_FALSE(chosen.doubleBuffered);
-    EXPECT_TRUE(chosen.enableDiagnostics);
+    EXPECT_TRUE(chosen.id == 2u && !chosen.doubleBuffered && chosen.enableDiagnostics);
 
     struct Row {
         Request request;
@@ -271,8 +261,7 @@ TEST_F(DeviceFormatChoice, SystemChooserAsksWithTheRequestDescriptor) {
     for (std::size_t i = 0; i < std::size(rows); ++i) {
         SCOPED_TRACE(i);
         Descriptor const& asked = script.chooseRequests[i];
-        EXPECT_EQ(asked.nSize, 40);
-        EXPECT_EQ(asked.nVersion, 1);
+        EXPECT_TRUE(asked.nSize == 40 && asked.nVersion == 1);
         EXPECT_EQ(asked.dwFlags, rows[i].flags | Pfd::SupportOpenGL | Pfd::StereoDontCare | Pfd::SwapExchange);
         EXPECT_EQ(asked.iPixelType, Pfd::TypeRGBA);
         EXPECT_EQ(std::vector<int>({asked.cColorBits, asked.cAlphaBits, asked.cDepthBits, asked.cStencilBits}),
@@ -301,9 +290,7 @@ TEST_F(DeviceFormatChoice, SystemChooserFailureThrowsForTheSystemAndFallsBackFor
     script.formats = {Make(Alpha(0)), Make(Alpha(0))};
     DeviceFormat const mesa =
         DeviceFormat::ChooseDeviceFormatSystem(ScriptedFormats::Table(false), _display, request);
-    EXPECT_EQ(mesa.id, 1u);
-    EXPECT_EQ(mesa.alphaBits, 0u);
-    EXPECT_TRUE(mesa.mesaSoftware);
+    EXPECT_TRUE(mesa.id == 1u && mesa.alphaBits == 0u && mesa.mesaSoftware);
 }
 
 TEST_F(DeviceFormatChoice, EnvironmentForcesAFormatOrTheSystemChooser) {
@@ -322,9 +309,7 @@ TEST_F(DeviceFormatChoice, EnvironmentForcesAFormatOrTheSystemChooser) {
         ScopedEnv forced("TEVOS_FORCE_PIXEL_FORMAT", "3");
         Tev::Debug::CaptureScope capture;
         DeviceFormat const format = DeviceFormat::ChooseDeviceFormat(api, _display, request);
-        EXPECT_EQ(format.id, 3u);
-        EXPECT_EQ(format.pixelType, DeviceFormat::ColorIndex);
-        EXPECT_FALSE(format.enableDiagnostics);
+        EXPECT_TRUE(format.id == 3u && format.pixelType == DeviceFormat::ColorIndex && !format.enableDiagnostics);
         std::ostringstream dump;
         dump << format;
         EXPECT_EQ(capture.Texts(Tev::Debug::Channel::Out),
@@ -332,8 +317,7 @@ TEST_F(DeviceFormatChoice, EnvironmentForcesAFormatOrTheSystemChooser) {
         EXPECT_EQ(script.chooseRequests.size(), 1u);
     }
     DeviceFormat const chosen = DeviceFormat::ChooseDeviceFormat(api, _display, request);
-    EXPECT_EQ(chosen.id, 1u);
-    EXPECT_TRUE(chosen.enableDiagnostics);
+    EXPECT_TRUE(chosen.id == 1u && chosen.enableDiagnostics);
 }
 
 }  // namespace

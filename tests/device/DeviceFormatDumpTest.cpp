@@ -21,17 +21,11 @@ TEST(DeviceFormatDump, FormatPrintsEveryFieldAligned) {
     DeviceFormat format;
     format.id = 7;
     format.supportedDevices = DeviceFormat::DeviceBit(DeviceFormat::Bitmap) | DeviceFormat::DeviceBit(DeviceFormat::Pbuffer);
-    format.currentDevice = DeviceFormat::Window;
-    format.openGL = true;
-    format.driverModel = DeviceFormat::MCD;
-    format.mesaSoftware = true;
-    format.pixelType = DeviceFormat::RGBA;
-    format.swapType = DeviceFormat::Copy;
-    format.layerPlane = 1;
-    format.doubleBuffered = true;
+    format.currentDevice = DeviceFormat::Window, format.driverModel = DeviceFormat::MCD;
+    format.pixelType = DeviceFormat::RGBA, format.swapType = DeviceFormat::Copy, format.layerPlane = 1;
+    format.openGL = format.mesaSoftware = format.doubleBuffered = format.enableDiagnostics = true;
     format.colorBits = 32, format.redBits = 8, format.greenBits = 7, format.blueBits = 6, format.alphaBits = 5;
     format.depthBits = 24, format.accumBits = 64, format.stencilBits = 8, format.auxBuffers = 2;
-    format.enableDiagnostics = true;
     EXPECT_EQ(Dump(format),
               "\n"
               "\tId                          = 7\n"
@@ -57,10 +51,8 @@ TEST(DeviceFormatDump, FormatPrintsEveryFieldAligned) {
 
 TEST(DeviceFormatDump, RequestPrintsItsChoicesAndABlankLine) {
     DeviceFormatRequest request;
-    request.devices = DeviceFormatRequest::Offscreen;
-    request.acceleration = DeviceFormatRequest::Software;
-    request.depthBuffer = true;
-    request.label = "not printed";
+    request.devices = DeviceFormatRequest::Offscreen, request.acceleration = DeviceFormatRequest::Software;
+    request.depthBuffer = true, request.label = "not printed";
     EXPECT_EQ(Dump(request),
               "\tDevices            = Offscreen \n"
               "\tAcceleration       = Software\n"
@@ -69,8 +61,7 @@ TEST(DeviceFormatDump, RequestPrintsItsChoicesAndABlankLine) {
               "\tStencil Buffer     = False\n"
               "\tEnable Diagnostics = False\n"
               "\n");
-    request.devices = DeviceFormatRequest::Window;
-    request.acceleration = DeviceFormatRequest::Hardware;
+    request.devices = DeviceFormatRequest::Window, request.acceleration = DeviceFormatRequest::Hardware;
     std::string const head = "\tDevices            = Window \n\tAcceleration       = Hardware \n";
     EXPECT_EQ(Dump(request).substr(0, head.size()), head);
 }
@@ -91,11 +82,12 @@ TEST(DeviceFormatDump, SpecialIdsAndOutOfRangeValuesAreNamed) {
     EXPECT_NE(Dump(unknown).find("\tCurrentDevice               = \n\tSupportedDevices            = \n"),
               std::string::npos);
     Tev::Debug::CaptureScope capture;
-    EXPECT_STREQ(DeviceFormat::DeviceTypeText(DeviceFormat::DeviceType(5)), "<ERROR>");
-    EXPECT_STREQ(DeviceFormat::DriverModelText(DeviceFormat::DriverModel(3)), "<ERROR>");
-    EXPECT_STREQ(DeviceFormat::PixelTypeText(DeviceFormat::PixelType(3)), "<ERROR>");
-    EXPECT_STREQ(DeviceFormat::SwapModeText(DeviceFormat::BufferSwapMode(3)), "<ERROR>");
-    EXPECT_STREQ(DeviceFormat::SwapModeText(DeviceFormat::Exchange), "Exchange");
+    EXPECT_EQ((std::vector<std::string>{DeviceFormat::DeviceTypeText(DeviceFormat::DeviceType(5)),
+                                        DeviceFormat::DriverModelText(DeviceFormat::DriverModel(3)),
+                                        DeviceFormat::PixelTypeText(DeviceFormat::PixelType(3)),
+                                        DeviceFormat::SwapModeText(DeviceFormat::BufferSwapMode(3)),
+                                        DeviceFormat::SwapModeText(DeviceFormat::Exchange)}),
+              (std::vector<std::string>{"<ERROR>", "<ERROR>", "<ERROR>", "<ERROR>", "Exchange"}));
     EXPECT_EQ(Tev::Test::Assertions(capture).size(), 4u);
 }
 

@@ -16,33 +16,17 @@
 namespace Tev::Chart::Assets {
 namespace {
 
-TEST(AssetPath, NormalisesOnConstruction) {
-    struct Case {
-        char const* raw;
-        char const* normal;
-    };
-    for (auto const& c : std::vector<Case>{
-             {"", ""},
-             {"/", ""},
-             {"a/b.glsl", "a/b.glsl"},
-             {"/a//b/./c/", "a/b/c"},
-             {"a\\b\\c.glsl", "a/b/c.glsl"},
-             {"a/b/../c", "a/c"},
-             {"a/..", ""},
-             {"../x", "../x"},
-             {"a/../../x", "../x"},
-             {"../../x/..", "../.."},
-             {"./.", ""},
-         }) {
-        EXPECT_EQ(AssetPath(c.raw).str(), c.normal) << "'" << c.raw << "'";
-    }
-    EXPECT_TRUE(AssetPath("../x").LeavesRoot());
-    EXPECT_TRUE(AssetPath("..").LeavesRoot());
-    EXPECT_FALSE(AssetPath("..x/y").LeavesRoot());
-    EXPECT_TRUE(AssetPath("/").IsRoot());
-}
+using Strings = std::vector<std::string>;
 
-TEST(AssetPath, JoinsParentsAndNames) {
+TEST(AssetPath, NormalisesJoinsAndSplits) {
+    std::pair<char const*, char const*> const normal[] = {
+        {"", ""}, {"/", ""}, {"a/b.glsl", "a/b.glsl"}, {"/a//b/./c/", "a/b/c"}, {"a\\b\\c.glsl", "a/b/c.glsl"},
+        {"a/b/../c", "a/c"}, {"a/..", ""}, {"../x", "../x"}, {"a/../../x", "../x"}, {"../../x/..", "../.."},
+        {"./.", ""}};
+    for (auto const& [raw, expected] : normal) EXPECT_EQ(AssetPath(raw).str(), expected) << "'" << raw << "'";
+    EXPECT_TRUE(AssetPath("../x").LeavesRoot() && AssetPath("..").LeavesRoot() && AssetPath("/").IsRoot());
+    EXPECT_FALSE(AssetPath("..x/y").LeavesRoot());
+
     EXPECT_EQ(AssetPath() + AssetPath("shaders/a.glsl"), AssetPath("shaders/a.glsl"));
     EXPECT_EQ(AssetPath("shaders") + AssetPath(), AssetPath("shaders"));
     EXPECT_EQ(AssetPath("shaders/generic") + AssetPath("../common/light.glsl"), AssetPath("shaders/common/light.glsl"));
@@ -51,16 +35,14 @@ TEST(AssetPath, JoinsParentsAndNames) {
     AssetPath const file("shaders/generic/Generic.vert.glsl");
     EXPECT_EQ(file.Parent().str(), "shaders/generic");
     EXPECT_EQ(file.FileName(), "Generic.vert.glsl");
-    EXPECT_EQ(file.Parts(), (std::vector<std::string>{"shaders", "generic", "Generic.vert.glsl"}));
-    EXPECT_TRUE(AssetPath("top.glsl").Parent().IsRoot());
-    EXPECT_TRUE(AssetPath().Parent().IsRoot());
-    EXPECT_EQ(AssetPath().FileName(), "");
-    EXPECT_TRUE(AssetPath().Parts().empty());
+    EXPECT_EQ(file.Parts(), (Strings{"shaders", "generic", "Generic.vert.glsl"}));
+    EXPECT_TRUE(AssetPath("top.glsl").Parent().IsRoot() && AssetPath().Parent().IsRoot());
+    EXPECT_TRUE(AssetPath().FileName().empty() && AssetPath().Parts().empty());
     EXPECT_LT(AssetPath("a"), AssetPath("b"));
 }
 
-std::vector<std::string> Lines(Volume const& p_volume, AssetPath const& p_path) {
-    std::vector<std::string> lines;
+Strings Lines(Volume const& p_volume, AssetPath const& p_path) {
+    Strings lines;
     auto const stream = p_volume.Open(p_path);
     for (std::string line; std::getline(*stream, line);) lines.push_back(line);
     return lines;
@@ -70,17 +52,13 @@ TEST(MemoryVolume, ServesWhatWasAdded) {
     MemoryVolume volume;
     volume.Add("N/N.vert.glsl", "line 1\nline 2\n");
     volume.Add("./N/empty.glsl", "");
-    EXPECT_TRUE(volume.Exists("N/N.vert.glsl"));
     EXPECT_TRUE(volume.Exists(AssetPath("N") + AssetPath("empty.glsl")));
     EXPECT_FALSE(volume.Exists("N")) << "folders are not files";
     EXPECT_FALSE(volume.Exists("N/N.frag.glsl"));
-
-    EXPECT_EQ(Lines(volume, "N/N.vert.glsl"), (std::vector<std::string>{"line 1", "line 2"}));
+    EXPECT_EQ(Lines(volume, "N/N.vert.glsl"), (Strings{"line 1", "line 2"}));
     EXPECT_EQ(volume.ReadText("N/empty.glsl"), std::string());
     EXPECT_FALSE(volume.ReadText("missing.glsl"));
-    auto const missing = volume.Open("missing.glsl");
-    ASSERT_TRUE(missing);
-    EXPECT_TRUE(missing->fail());
+    EXPECT_TRUE(volume.Open("missing.glsl")->fail());
     EXPECT_TRUE(Lines(volume, "missing.glsl").empty());
 
     volume.Add("N/N.vert.glsl", "replaced");
@@ -95,48 +73,36 @@ TEST(MemoryVolume, ServesWhatWasAdded) {
     EXPECT_EQ(::Tev::Test::Assertions(capture).size(), 2u);
 }
 
-class DiskVolumeTest : public ::testing::Test {
-protected:
-    void SetUp() override {
-        _base = std::filesystem::temp_directory_path() /
-                ("tevogl-volume-" + std::to_string(::getpid()) + "-" +
-                 ::testing::UnitTest::GetInstance()->current_test_info()->name());
-        std::filesystem::create_directories(_base / "root" / "shaders");
-        Write(_base / "root" / "shaders" / "a.glsl", "void main() {}\n");
-        Write(_base / "secret.txt", "outside");
-    }
-    void TearDown() override { std::filesystem::remove_all(_base); }
+TEST(DiskVolume, ReadsFilesBelowItsRootOnly) {
+    struct Folder {
+        std::filesystem::path base = std::filesystem::temp_directory_path() /
+                                     ("tevogl-volume-" + std::to_string(::getpid()));
+        ~Folder() { std::filesystem::remove_all(base); }
+    } const folder;
+    std::filesystem::create_directories(folder.base / "root" / "shaders");
+    std::ofstream(folder.base / "root" / "shaders" / "a.glsl") << "void main() {}\n";
+    std::ofstream(folder.base / "secret.txt") << "outside";
 
-    static void Write(std::filesystem::path const& p_path, std::string const& p_text) {
-        std::ofstream(p_path, std::ios::binary) << p_text;
-    }
-
-    std::filesystem::path _base;
-};
-
-TEST_F(DiskVolumeTest, ReadsFilesBelowItsRootOnly) {
-    DiskVolume const volume(_base / "root");
-    EXPECT_TRUE(volume.Exists("shaders/a.glsl"));
+    DiskVolume const volume(folder.base / "root");
     EXPECT_TRUE(volume.Exists("shaders/x/../a.glsl"));
     EXPECT_FALSE(volume.Exists("shaders")) << "folders are not files";
     EXPECT_FALSE(volume.Exists("shaders/b.glsl"));
     EXPECT_EQ(volume.ReadText("shaders/a.glsl"), std::string("void main() {}\n"));
 
-    ASSERT_TRUE(File::fileexists(_base / "secret.txt"));
+    ASSERT_TRUE(File::fileexists(folder.base / "secret.txt"));
     EXPECT_FALSE(volume.Exists("../secret.txt"));
     EXPECT_FALSE(volume.ReadText("../secret.txt"));
     EXPECT_TRUE(volume.Open("../secret.txt")->fail());
 
-    EXPECT_FALSE(DiskVolume(_base / "no-such-folder").Exists("shaders/a.glsl"));
-    EXPECT_FALSE(File::fileexists(_base / "root" / "shaders"));
+    EXPECT_FALSE(DiskVolume(folder.base / "no-such-folder").Exists("shaders/a.glsl"));
+    EXPECT_FALSE(File::fileexists(folder.base / "root" / "shaders"));
     EXPECT_FALSE(File::fileexists(""));
 }
 
 TEST(TimeStamp, IsStrictlyIncreasingAndMeasuresDifferences) {
     using Core::TimeStamp;
-    TimeStamp const never;
     TimeStamp previous = TimeStamp::Now();
-    EXPECT_LT(never, previous);
+    EXPECT_LT(TimeStamp(), previous);
     for (int i = 0; i < 10000; ++i) {
         TimeStamp const next = TimeStamp::Now();
         ASSERT_LT(previous, next) << "at call " << i;
@@ -144,7 +110,6 @@ TEST(TimeStamp, IsStrictlyIncreasingAndMeasuresDifferences) {
     }
     TimeStamp touched;
     touched.Touch();
-    EXPECT_LT(previous, touched);
     EXPECT_GT(touched - previous, 0.0);
     EXPECT_DOUBLE_EQ(previous.MillisecondsSince(touched), -1000.0 * touched.SecondsSince(previous));
     EXPECT_GE(touched.ElapsedMilliseconds(), 0.0);

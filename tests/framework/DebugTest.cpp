@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <stdexcept>
+#include <tuple>
 
 namespace Tev::Debug {
 namespace {
@@ -47,11 +48,9 @@ TEST(DebugLogger, ChecksReportConditionAndSignatureAndEvaluateFailuresTwice) {
                                              "\"(p_value) >= (1) && (p_value) <= (3)\" - " + signature,
                                              "\"(p_pointer) != nullptr\" - " + signature,
                                          }));
-    EXPECT_NE(signature.find("RunChecks(Probe&, int, void*, bool&)"), std::string::npos)
-        << "the signature is the full one, parameters included: " << signature;
-    EXPECT_EQ(signature.rfind("std::string ", 0), 0u) << "and the return type: " << signature;
-    EXPECT_TRUE(::Tev::Test::HasAssertion(capture, "p_probe.Fails()"));
-    EXPECT_FALSE(::Tev::Test::HasAssertion(capture, "p_probe.Passes()"));
+    // The full signature: return type and parameters included.
+    EXPECT_EQ(signature.rfind("std::string ", 0), 0u) << signature;
+    EXPECT_NE(signature.find("RunChecks(Probe&, int, void*, bool&)"), std::string::npos) << signature;
 }
 
 TEST(DebugLogger, SentryAndExceptionHandlerTexts) {
@@ -75,16 +74,11 @@ TEST(DebugLogger, StreamsWriteOneEntryWithChannelAndCategory) {
     derr() << "WARNING: " << 1.5;
     dout("GLSL") << "PARSE: a.glsl";
 
-    auto const entries = capture.Entries();
-    ASSERT_EQ(entries.size(), 3u);
-    EXPECT_EQ(entries[0].channel, Channel::Debug);
-    EXPECT_EQ(entries[0].category, "ogl");
-    EXPECT_EQ(entries[0].text, "lights = 8\n");
-    EXPECT_EQ(entries[1].channel, Channel::Error);
-    EXPECT_EQ(entries[1].category, "");
-    EXPECT_EQ(entries[1].text, "WARNING: 1.5");
-    EXPECT_EQ(entries[2].channel, Channel::Out);
-    EXPECT_EQ(entries[2].category, "GLSL");
+    std::vector<std::tuple<Channel, std::string, std::string>> entries;
+    for (auto const& e : capture.Entries()) entries.emplace_back(e.channel, e.category, e.text);
+    EXPECT_EQ(entries, (decltype(entries){{Channel::Debug, "ogl", "lights = 8\n"},
+                                          {Channel::Error, "", "WARNING: 1.5"},
+                                          {Channel::Out, "GLSL", "PARSE: a.glsl"}}));
 }
 
 TEST(DebugLogger, CaptureScopesNestAndRestoreThePreviousSink) {

@@ -25,16 +25,12 @@ TEST(Lifetime, WatchersFireOnceInOrderUnlessGoneFirst) {
         second = lifetime.Watch([&] { trace.push_back("second"); });
         dropped.Reset();
         EXPECT_FALSE(first.Expired());
-        EXPECT_TRUE(dropped.Expired());
-        EXPECT_TRUE(Lifetime::Watcher().Expired());
+        EXPECT_TRUE(dropped.Expired() && Lifetime::Watcher().Expired());
 
         lifetime.Expire();
         EXPECT_EQ(trace, (Trace{"first", "second"}));
-        EXPECT_TRUE(lifetime.Expired());
-        EXPECT_TRUE(first.Expired());
-
-        auto late = lifetime.Watch([&] { trace.push_back("late"); });
-        EXPECT_TRUE(late.Expired());
+        EXPECT_TRUE(lifetime.Expired() && first.Expired());
+        EXPECT_TRUE(lifetime.Watch([&] { trace.push_back("late"); }).Expired());
     }
     EXPECT_EQ(trace, (Trace{"first", "second"})) << "the destructor must not fire them again";
 }
@@ -76,8 +72,8 @@ TEST(Lifetime, CallbacksMayDropLaterWatchersAndMayThrow) {
     EXPECT_EQ(trace, (Trace{"killer", "thrower", "last"}));
     auto const errors = capture.Texts(Debug::Channel::Error);
     ASSERT_EQ(errors.size(), 1u);
-    EXPECT_NE(errors[0].find("Lifetime::Expire"), std::string::npos) << errors[0];
-    EXPECT_NE(errors[0].find(": expiry failed"), std::string::npos) << errors[0];
+    EXPECT_TRUE(errors[0].find("Lifetime::Expire") != std::string::npos && errors[0].ends_with(": expiry failed"))
+        << errors[0];
 }
 
 struct Base {
@@ -92,8 +88,7 @@ TEST(WeakWatchedRef, ExpiresWithTheLifetimeAndLockReportsThen) {
     auto owner = std::make_unique<Owner>();
     WeakWatchedRef<Owner> const weak = owner->lifetime.Ref(*owner);
     WeakWatchedRef<Base const> const weakBase = weak;
-    EXPECT_FALSE(weak.Expired());
-    EXPECT_FALSE(weakBase.Expired());
+    EXPECT_FALSE(weak.Expired() || weakBase.Expired());
 
     WatchedRef<Owner> const locked = weak.Lock();
     ASSERT_TRUE(locked);
@@ -104,18 +99,16 @@ TEST(WeakWatchedRef, ExpiresWithTheLifetimeAndLockReportsThen) {
     EXPECT_TRUE(locked.Weak() == weak);
 
     owner.reset();
-    EXPECT_TRUE(weak.Expired());
-    EXPECT_TRUE(weakBase.Expired());
-    EXPECT_FALSE(locked) << "a locked reference does not keep the object";
-    EXPECT_EQ(locked.Get(), nullptr);
+    EXPECT_TRUE(weak.Expired() && weakBase.Expired());
+    EXPECT_TRUE(!locked && locked.Get() == nullptr) << "a locked reference does not keep the object";
 
     Debug::CaptureScope capture;
-    EXPECT_EQ(weak.Lock().Get(), nullptr);
-    EXPECT_EQ(WeakWatchedRef<Owner>().Lock().Get(), nullptr);
+    EXPECT_TRUE(weak.Lock().Get() == nullptr && WeakWatchedRef<Owner>().Lock().Get() == nullptr);
     auto const assertions = ::Tev::Test::Assertions(capture);
     ASSERT_EQ(assertions.size(), 2u);
-    EXPECT_EQ(assertions[0].rfind("\"!Expired()\" - ", 0), 0u) << assertions[0];
-    EXPECT_NE(assertions[0].find("WeakWatchedRef<T>::Lock()"), std::string::npos) << assertions[0];
+    EXPECT_TRUE(assertions[0].starts_with("\"!Expired()\" - ") &&
+                assertions[0].find("WeakWatchedRef<T>::Lock()") != std::string::npos)
+        << assertions[0];
 }
 
 }  // namespace

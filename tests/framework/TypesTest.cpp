@@ -23,9 +23,7 @@ TEST(Matrix4, IsColumnMajorAsGlLoadsIt) {
     Matrix4 const translation = Matrix4::Translation({1.0, 2.0, 3.0});
     double const* values = translation.Data();
     // glLoadMatrixd reads the translation from elements 12, 13, 14.
-    EXPECT_EQ(values[12], 1.0);
-    EXPECT_EQ(values[13], 2.0);
-    EXPECT_EQ(values[14], 3.0);
+    EXPECT_EQ((std::vector<double>(values + 12, values + 15)), (std::vector<double>{1.0, 2.0, 3.0}));
     EXPECT_EQ(translation(0, 3), 1.0);
     EXPECT_EQ(Matrix4::FromColumnMajor(values), translation);
     EXPECT_EQ(Matrix4(), Matrix4::Identity());
@@ -42,8 +40,7 @@ TEST(Matrix4, IsColumnMajorAsGlLoadsIt) {
 
 TEST(Quaternion, ValidityIdentityAndAxisAngle) {
     Quaternion const quarter = Quaternion::FromAxisAngle(Angle::FromDegrees(90.0), {0.0, 0.0, 2.0});
-    EXPECT_TRUE(quarter.IsValid());
-    EXPECT_FALSE(quarter.IsIdentity());
+    EXPECT_TRUE(quarter.IsValid() && !quarter.IsIdentity());
     EXPECT_NEAR(quarter.RotationAngle().Degrees(), 90.0, 1e-9);
     ExpectNear(quarter.Axis(), {0.0, 0.0, 1.0});
     ExpectNear(quarter.Rotate({1.0, 0.0, 0.0}), {0.0, 1.0, 0.0});
@@ -109,22 +106,19 @@ TEST(Viewport, Intersection) {
     EXPECT_EQ(Intersect(a, Viewport(50, 10, 100, 100)), Viewport(50, 10, 50, 40));
     EXPECT_EQ(Intersect(a, Viewport(20, 5, 10, 10)), Viewport(20, 5, 10, 10));
     Viewport const disjoint = Intersect(a, Viewport(200, 60, 10, 10));
-    EXPECT_EQ(disjoint, Viewport(200, 60, 0, 0));
-    EXPECT_TRUE(disjoint.IsEmpty());
+    EXPECT_TRUE(disjoint == Viewport(200, 60, 0, 0) && disjoint.IsEmpty());
 }
 
 TEST(BoundsAndRanges, StartEmptyAndGrow) {
     BoundingBox box;
-    EXPECT_TRUE(box.IsEmpty());
-    EXPECT_EQ(box.Extent(), Vector3d(0.0));
+    EXPECT_TRUE(box.IsEmpty() && box.Extent() == Vector3d(0.0));
     box.Extend({1.0, -2.0, 0.0});
     EXPECT_FALSE(box.IsEmpty());
     EXPECT_EQ(box.min, box.max) << "one point is a box of no size";
     box.Extend({-1.0, 4.0, 0.0});
     EXPECT_EQ(box.min, Vector3d(-1.0, -2.0, 0.0));
     EXPECT_EQ(box.max, Vector3d(1.0, 4.0, 0.0));
-    EXPECT_TRUE(box.Contains({0.0, 0.0, 0.0}));
-    EXPECT_FALSE(box.Contains({0.0, 0.0, 0.1}));
+    EXPECT_TRUE(box.Contains({0.0, 0.0, 0.0}) && !box.Contains({0.0, 0.0, 0.1}));
 
     BoundingBox merged;
     merged.Extend(BoundingBox());
@@ -133,22 +127,19 @@ TEST(BoundsAndRanges, StartEmptyAndGrow) {
     EXPECT_EQ(merged, box);
 
     MinMax_Base<unsigned> levels;
-    EXPECT_TRUE(levels.IsEmpty());
-    EXPECT_EQ(levels.Range(), 0u);
+    EXPECT_TRUE(levels.IsEmpty() && levels.Range() == 0u);
     levels.Extend(4);
     levels.Extend(1);
     EXPECT_EQ(levels, MinMax_Base<unsigned>(1, 4));
     EXPECT_EQ(levels.Range(), 3u);
-    EXPECT_TRUE(levels.Contains(4));
-    EXPECT_FALSE(levels.Contains(5));
+    EXPECT_TRUE(levels.Contains(4) && !levels.Contains(5));
 }
 
 TEST(Math, ClampTakesTheNearerBound) {
-    EXPECT_EQ(Math::Clamp(100.0, 1.0, 7.0), 7.0);
-    EXPECT_EQ(Math::Clamp(0.5, 1.0, 7.0), 1.0);
-    EXPECT_EQ(Math::Clamp(3.0, 1.0, 7.0), 3.0);
-    EXPECT_EQ(Math::Clamp(4.0, 5.0, 3.0), 5.0);
-    EXPECT_EQ(Math::Clamp(6.0, 5.0, 3.0), 3.0);
+    // Bounds given the wrong way round still clamp to the nearer one.
+    EXPECT_EQ((std::vector<double>{Math::Clamp(100.0, 1.0, 7.0), Math::Clamp(0.5, 1.0, 7.0), Math::Clamp(3.0, 1.0, 7.0),
+                                   Math::Clamp(4.0, 5.0, 3.0), Math::Clamp(6.0, 5.0, 3.0)}),
+              (std::vector<double>{7.0, 1.0, 3.0, 5.0, 3.0}));
 }
 
 }  // namespace

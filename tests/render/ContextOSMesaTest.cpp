@@ -32,23 +32,20 @@ private:
     DeviceFormat _format;
 };
 
-std::string const WrongThread =
+std::string const WrongThreadBind =
     "OnOwningThread() && \"Making gl context current to a different thread without releasing it\" "
     "\"from a previos thread!\"";
+std::string const WrongThreadRelease = "OnOwningThread() && \"Cannot unbind GL context on a different thread!\"";
 
 TEST(ContextOSMesa, DeviceFormatIsTheFixedOSMesaOne) {
     DeviceOSMesa const device(8, 4);
     DeviceFormat const& f = device.Format();
-    EXPECT_EQ(f.id, DeviceFormat::OSMesaFormatId);
-    EXPECT_EQ(f.supportedDevices, 1u << DeviceFormat::OSMesa);
-    EXPECT_EQ(f.currentDevice, DeviceFormat::OSMesa);
-    EXPECT_TRUE(f.openGL && f.mesaSoftware && !f.accelerated);
-    EXPECT_EQ(f.pixelType, DeviceFormat::RGBA);
+    EXPECT_TRUE(f.id == DeviceFormat::OSMesaFormatId && f.supportedDevices == 1u << DeviceFormat::OSMesa &&
+                f.currentDevice == DeviceFormat::OSMesa);
+    EXPECT_TRUE(f.openGL && f.mesaSoftware && !f.accelerated && f.pixelType == DeviceFormat::RGBA);
     EXPECT_EQ(f.colorBits + f.depthBits + f.stencilBits, 96u);
-    EXPECT_TRUE(device.HardwareDisplay().IsOSMesa());
-    EXPECT_EQ(device.HardwareHandle(), nullptr);
-    EXPECT_EQ(device.Buffer().Width(), 8);
-    EXPECT_NE(device.Buffer().Ptr(), nullptr);
+    EXPECT_TRUE(device.HardwareDisplay().IsOSMesa() && device.HardwareHandle() == nullptr);
+    EXPECT_TRUE(device.Buffer().Width() == 8 && device.Buffer().Ptr() != nullptr);
 }
 
 TEST(ContextOSMesa, NestedMakeCurrentBindsEveryTimeAndReleasesOnce) {
@@ -87,18 +84,17 @@ TEST(ContextOSMesa, UseFromAnotherThreadIsReported) {
         context.MakeCurrent(device);
         context.DoneCurrent();
     }).join();
-    EXPECT_TRUE(HasAssertion(capture, WrongThread)) << ::testing::PrintToString(Assertions(capture));
-    EXPECT_FALSE(HasAssertion(capture, "OnOwningThread() && \"Cannot unbind GL context on a different thread!\""));
+    EXPECT_TRUE(HasAssertion(capture, WrongThreadBind) && !HasAssertion(capture, WrongThreadRelease))
+        << ::testing::PrintToString(Assertions(capture));
     // The first thread no longer owns it.
     context.DoneCurrent();
-    EXPECT_TRUE(HasAssertion(capture, "OnOwningThread() && \"Cannot unbind GL context on a different thread!\""));
+    EXPECT_TRUE(HasAssertion(capture, WrongThreadRelease));
     EXPECT_EQ(context.CurrentCount(), 0);
 }
 
 TEST(ContextOSMesa, ForeignDeviceIsReported) {
     Debug::CaptureScope capture;
-    ForeignDevice foreign;
-    ContextOSMesa const context(foreign);
+    ContextOSMesa const context{ForeignDevice()};
     EXPECT_TRUE(HasAssertion(capture, "p_device.Format().id == DeviceFormat::OSMesaFormatId"));
 }
 
@@ -116,11 +112,11 @@ TEST(ContextOSMesa, ThreadsRenderSideBySide) {
             context.MakeCurrent(device);
             OglApi const gl(ApiMesa);
             for (int frame = 0; frame < Frames; ++frame) {
-                float const red = float((t * 50 + frame) % 256) / 255.0f;
-                gl.ClearColor(red, float(t) / 255.0f, 0.0f, 1.0f);
+                std::uint32_t const red = (t * 50 + frame) % 256;
+                gl.ClearColor(float(red) / 255.0f, float(t) / 255.0f, 0.0f, 1.0f);
                 gl.Clear(GL_COLOR_BUFFER_BIT);
                 gl.Finish();
-                std::uint32_t const expected = 0xFF000000u | (std::uint32_t(t) << 8) | std::uint32_t((t * 50 + frame) % 256);
+                std::uint32_t const expected = 0xFF000000u | (std::uint32_t(t) << 8) | red;
                 wrongFrames += device.Pixel(frame % 16, 15 - frame % 16) != expected;
             }
             context.DoneCurrent();

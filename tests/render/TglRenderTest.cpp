@@ -25,9 +25,11 @@ constexpr std::uint32_t Red = 0xFF0000FFu;
 constexpr std::uint32_t Green = 0xFF00FF00u;
 constexpr std::uint32_t Blue = 0xFFFF0000u;
 
+// A vertex with its colour, or (when lit) its normal instead.
 struct Point {
     Vector3d position;
     QColor color;
+    Vector3d normal{0.0};
 };
 
 // Eight points around the centre, convex in this order, so that every
@@ -88,7 +90,8 @@ protected:
         Clear(0, 0, 0);
         _gl->Begin(p_primitive);
         for (Point const& point : p_points) {
-            Color(*_gl, point.color);
+            if (point.color.isValid()) Color(*_gl, point.color);
+            if (point.normal != Vector3d(0.0)) _gl->Normal3d(point.normal.x, point.normal.y, point.normal.z);
             _gl->Vertex3d(point.position.x, point.position.y, point.position.z);
         }
         _gl->End();
@@ -100,11 +103,18 @@ protected:
         Scoped<Tgl> scope(*_tgl);
         _tgl->Begin(p_primitive);
         for (Point const& point : p_points) {
-            _tgl->Color(point.color);
+            if (point.color.isValid()) _tgl->Color(point.color);
+            if (point.normal != Vector3d(0.0)) _tgl->Normal(point.normal);
             _tgl->Vertex(point.position);
         }
         _tgl->End();
         return Snapshot();
+    }
+
+    GLint AttribStackDepth() const {
+        GLint depth = -1;
+        _gl->GetIntegerv(GL_ATTRIB_STACK_DEPTH, &depth);
+        return depth;
     }
 
     std::unique_ptr<Tgl> _tgl;
@@ -144,76 +154,48 @@ TEST_F(TglRender, LightingThroughTheFacadeMatchesTheDriversOwn) {
     using LightFv = void(TGL_APIENTRY*)(GLenum, GLenum, GLfloat const*);
     auto const lightfv = reinterpret_cast<LightFv>(_gl->ProcAddress("glLightfv"));
     ASSERT_NE(lightfv, nullptr);
-
+    auto const floats = [](QColor const& p_c) {
+        return std::array<float, 4>{float(p_c.redF()), float(p_c.greenF()), float(p_c.blueF()), float(p_c.alphaF())};
+    };
     QColor const diffuse = QColor::fromRgbF(1.0f, 0.75f, 0.25f, 1.0f);
     Material material;
     material.diffuse = QColor::fromRgbF(0.5f, 1.0f, 0.75f, 1.0f);
     material.specular = QColor::fromRgbF(1.0f, 1.0f, 1.0f, 1.0f);
     material.shininess = 16;
-    Chart::Types::Vector4d const position(0.3, 0.4, 1.0, 0.0);
-    std::vector<Vector3d> const normals = {{0, 0, 1}, {0.6, 0, 0.8}, {0, 0.6, 0.8}, {-0.6, -0.6, 0.53}};
-    std::vector<Vector3d> const corners = {{2, 2, 0}, {30, 2, 0}, {30, 30, 0}, {2, 30, 0}};
+    std::vector<Point> const lit = {{{2, 2, 0}, QColor(), {0, 0, 1}},
+                                    {{30, 2, 0}, QColor(), {0.6, 0, 0.8}},
+                                    {{30, 30, 0}, QColor(), {0, 0.6, 0.8}},
+                                    {{2, 30, 0}, QColor(), {-0.6, -0.6, 0.53}}};
     _gl->Enable(GL_LIGHTING);
     _gl->Enable(GL_LIGHT0);
 
-    // The driver's own calls, with the facade's colour conversions.
-    auto const floats = [](QColor const& p_c) {
-        return std::array<float, 4>{float(p_c.redF()), float(p_c.greenF()), float(p_c.blueF()), float(p_c.alphaF())};
-    };
-    float const lightPosition[4] = {0.3f, 0.4f, 1.0f, 0.0f};
+    // The driver's own calls, with the facade's colour conversions; then
+    // back to GL's defaults and the same through the facade.
+    float const lightPosition[4] = {0.3f, 0.4f, 1.0f, 0.0f}, defaultPosition[4] = {0, 0, 1, 0}, white[4] = {1, 1, 1, 1};
     lightfv(GL_LIGHT0, GL_POSITION, lightPosition);
     lightfv(GL_LIGHT0, GL_DIFFUSE, floats(diffuse).data());
     _gl->Materialfv(GL_FRONT_AND_BACK, GL_DIFFUSE, floats(material.diffuse).data());
     _gl->Materialfv(GL_FRONT_AND_BACK, GL_SPECULAR, floats(material.specular).data());
     _gl->Materialf(GL_FRONT_AND_BACK, GL_SHININESS, 16.0f);
-    Clear(0, 0, 0);
-    _gl->Begin(GL_QUADS);
-    for (std::size_t i = 0; i < 4; ++i) {
-        _gl->Normal3d(normals[i].x, normals[i].y, normals[i].z);
-        _gl->Vertex3d(corners[i].x, corners[i].y, corners[i].z);
-    }
-    _gl->End();
-    Image const expected = Snapshot();
-
-    // Back to GL's defaults, then the same through the facade.
-    float const defaultPosition[4] = {0, 0, 1, 0};
-    float const white[4] = {1, 1, 1, 1};
+    Image const expected = DrawnByDriver(GL_QUADS, lit);
     lightfv(GL_LIGHT0, GL_POSITION, defaultPosition);
     lightfv(GL_LIGHT0, GL_DIFFUSE, white);
     _tgl->Material(Material());
-    Clear(0, 0, 0);
-    _tgl->Light(GL_LIGHT0, GL_POSITION, position);
+    _tgl->Light(GL_LIGHT0, GL_POSITION, Chart::Types::Vector4d(0.3, 0.4, 1.0, 0.0));
     _tgl->Light(GL_LIGHT0, GL_DIFFUSE, diffuse);
     _tgl->Material(material);
-    {
-        Scoped<Tgl> scope(*_tgl);
-        _tgl->Begin(GL_QUADS);
-        for (std::size_t i = 0; i < 4; ++i) {
-            _tgl->Normal(normals[i]);
-            _tgl->Vertex(corners[i]);
-        }
-        _tgl->End();
-    }
-    Image const drawn = Snapshot();
-    EXPECT_EQ(drawn, expected);
+    EXPECT_EQ(DrawnByFacade(GL_QUADS, lit), expected);
     EXPECT_NE(expected[16 * Width + 16], Black);
 
     // A normal given once, outside Begin/End, is GL's current normal.
-    Clear(0, 0, 0);
+    std::vector<Point> unlit = lit;
+    unlit.pop_back();
+    for (Point& point : unlit) point.normal = Vector3d(0.0);
     _gl->Normal3d(0.6, 0, 0.8);
-    _gl->Begin(GL_TRIANGLES);
-    for (std::size_t i = 0; i < 3; ++i) _gl->Vertex3d(corners[i].x, corners[i].y, corners[i].z);
-    _gl->End();
-    Image const flatExpected = Snapshot();
-    Clear(0, 0, 0);
+    Image const flatExpected = DrawnByDriver(GL_TRIANGLES, unlit);
+    _gl->Normal3d(0, 0, 1);
     _tgl->Normal(0.6, 0, 0.8);
-    {
-        Scoped<Tgl> scope(*_tgl);
-        _tgl->Begin(GL_TRIANGLES);
-        for (std::size_t i = 0; i < 3; ++i) _tgl->Vertex(corners[i]);
-        _tgl->End();
-    }
-    EXPECT_EQ(Snapshot(), flatExpected);
+    EXPECT_EQ(DrawnByFacade(GL_TRIANGLES, unlit), flatExpected);
     EXPECT_NE(flatExpected[8 * Width + 20], Black);
 }
 
@@ -264,16 +246,13 @@ TEST_F(TglRender, ScissorStackNarrowsAndRestoresRealClears) {
     _tgl->Scissor(Chart::Types::Viewport(8, 8, 16, 16));  // narrows to 8..12
     Clear(1, 0, 0);
     EXPECT_EQ(CountDifferent(Black), 16);
-    EXPECT_EQ(Pixel(8, 8), Red);
-    EXPECT_EQ(Pixel(12, 12), Black);
+    EXPECT_EQ((Image{Pixel(8, 8), Pixel(12, 12)}), (Image{Red, Black}));
     _tgl->PopScissor();
     // The pop alone leaves GL's scissor; the next call sees the whole buffer
     // in force again.
     _tgl->Scissor(Chart::Types::Viewport(16, 0, 16, 32));
     Clear(0, 0, 1);
-    EXPECT_EQ(Pixel(16, 0), Blue);
-    EXPECT_EQ(Pixel(8, 8), Red);
-    EXPECT_EQ(Pixel(0, 0), Black);
+    EXPECT_EQ((Image{Pixel(16, 0), Pixel(8, 8), Pixel(0, 0)}), (Image{Blue, Red, Black}));
 }
 
 TEST_F(TglRender, ForgottenPopIsUnwoundOnTheDriverAtScopeEnd) {
@@ -283,13 +262,9 @@ TEST_F(TglRender, ForgottenPopIsUnwoundOnTheDriverAtScopeEnd) {
         _tgl->PushAttrib(GL_ENABLE_BIT);
         _tgl->Enable(GL_SCISSOR_TEST);
         _tgl->Scissor(Chart::Types::Viewport(0, 0, 2, 2));
-        GLint depth = 0;
-        _gl->GetIntegerv(GL_ATTRIB_STACK_DEPTH, &depth);
-        EXPECT_EQ(depth, 1);
+        EXPECT_EQ(AttribStackDepth(), 1);
     }
-    GLint depth = -1;
-    _gl->GetIntegerv(GL_ATTRIB_STACK_DEPTH, &depth);
-    EXPECT_EQ(depth, 0);
+    EXPECT_EQ(AttribStackDepth(), 0);
     Clear(1, 0, 0);
     EXPECT_EQ(CountDifferent(Red), 0);
     EXPECT_EQ(_gl->GetError(), GLenum(GL_NO_ERROR));

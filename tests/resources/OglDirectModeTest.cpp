@@ -29,14 +29,17 @@ protected:
 
     std::vector<::Tev::Test::FakeCall> Calls(std::string const& p_name) const { return _facade.gl.Calls(p_name); }
 
-    // p_count doubles from the pointer argument of the only call p_name.
+    // p_count doubles from the last (pointer) argument of p_call.
+    static Values Read(::Tev::Test::FakeCall const& p_call, std::size_t p_count) {
+        Values values(p_count);
+        std::memcpy(values.data(), p_call.Ptr(p_call.args.size() - 1), p_count * sizeof(double));
+        return values;
+    }
+    // The same from the only call p_name.
     Values Array(std::string const& p_name, std::size_t p_count) const {
         auto const calls = Calls(p_name);
         EXPECT_EQ(calls.size(), 1u) << p_name;
-        if (calls.empty()) return {};
-        Values values(p_count);
-        std::memcpy(values.data(), calls[0].Ptr(calls[0].args.size() - 1), p_count * sizeof(double));
-        return values;
+        return calls.empty() ? Values() : Read(calls[0], p_count);
     }
 
     ::Tev::Test::FakeFacade _facade;
@@ -77,7 +80,7 @@ TEST_F(DirectMode, ANormalGivenOnceCoversEveryVertexAndAQuadBlockStaysOneEntry) 
 
     EXPECT_EQ(_mode.Count(), 1u);
     EXPECT_EQ(Calls("glDrawArrays").at(0).ToString(), "glDrawArrays(7, 0, 8)");
-    EXPECT_EQ(Calls("glVertexPointer").at(0).Int(0), 2);
+    EXPECT_EQ(Calls("glVertexPointer").at(0).Int(0), 2) << "two components";
     EXPECT_EQ(Array("glNormalPointer", 24), Repeat(std::vector<Values>(8, Values{0, 0, 1})));
 
     // A second block without Clear adds an entry and draws only that one.
@@ -85,7 +88,7 @@ TEST_F(DirectMode, ANormalGivenOnceCoversEveryVertexAndAQuadBlockStaysOneEntry) 
     _mode.Vertex(1.0f, 2.0f);
     End();
     EXPECT_EQ(_mode.Count(), 2u);
-    EXPECT_EQ(Calls("glDrawArrays").size(), 1u);
+    EXPECT_EQ(_facade.gl.Calls("glDrawArrays").size(), 1u);
     EXPECT_EQ(Calls("glDrawArrays").at(0).ToString(), "glDrawArrays(0, 0, 1)");
 
     _mode.Clear();
@@ -108,18 +111,12 @@ TEST_F(DirectMode, TwoTextureUnitsPerBlockAndAThirdIsDropped) {
     EXPECT_EQ(sentries[0].rfind("void Tev::Chart::Ogl::OglDirectMode::MultiTexCoord(", 0), 0u) << sentries[0];
 
     auto const units = Calls("glClientActiveTexture");
-    ASSERT_EQ(units.size(), 2u);
-    EXPECT_EQ(units[0].Int(0), GL_TEXTURE0);
-    EXPECT_EQ(units[1].Int(0), GL_TEXTURE1);
     auto const pointers = Calls("glTexCoordPointer");
-    ASSERT_EQ(pointers.size(), 2u);
-    EXPECT_EQ(pointers[0].Int(0), 2);
-    EXPECT_EQ(pointers[1].Int(0), 1);
-    Values setA(4), setB(2);
-    std::memcpy(setA.data(), pointers[0].Ptr(3), sizeof(double) * 4);
-    std::memcpy(setB.data(), pointers[1].Ptr(3), sizeof(double) * 2);
-    EXPECT_EQ(setA, (Values{0, 0, 1, 0}));
-    EXPECT_EQ(setB, (Values{0, 0.5}));
+    ASSERT_TRUE(units.size() == 2u && pointers.size() == 2u);
+    EXPECT_TRUE(units[0].Int(0) == GL_TEXTURE0 && units[1].Int(0) == GL_TEXTURE1);
+    EXPECT_TRUE(pointers[0].Int(0) == 2 && pointers[1].Int(0) == 1) << "components per set";
+    EXPECT_EQ(Read(pointers[0], 4), (Values{0, 0, 1, 0}));
+    EXPECT_EQ(Read(pointers[1], 2), (Values{0, 0.5}));
 }
 
 TEST_F(DirectMode, PlainTexCoordsFeedUnitZeroAndMissingComponentsTakeDefaults) {
@@ -136,11 +133,12 @@ TEST_F(DirectMode, PlainTexCoordsFeedUnitZeroAndMissingComponentsTakeDefaults) {
 
 TEST_F(DirectMode, PrimitivesAndEmptyBlocks) {
     auto const& map = OglDirectMode::PrimitivesMap();
-    ASSERT_EQ(map.size(), 10u);
-    unsigned const tokens[] = {GL_POINTS,         GL_LINES,          GL_LINE_LOOP, GL_LINE_STRIP,
-                               GL_TRIANGLES,      GL_TRIANGLE_STRIP, GL_TRIANGLE_FAN,
-                               GL_QUADS,          GL_QUAD_STRIP,     GL_POLYGON};
-    for (unsigned value = 0; value < 10; ++value) EXPECT_EQ(map.at(tokens[value]), value);
+    std::vector<unsigned> values;
+    for (unsigned token : {GL_POINTS, GL_LINES, GL_LINE_LOOP, GL_LINE_STRIP, GL_TRIANGLES, GL_TRIANGLE_STRIP,
+                           GL_TRIANGLE_FAN, GL_QUADS, GL_QUAD_STRIP, GL_POLYGON})
+        values.push_back(map.count(token) ? map.at(token) : 99);
+    EXPECT_EQ(values, (std::vector<unsigned>{0, 1, 2, 3, 4, 5, 6, 7, 8, 9}));
+    EXPECT_EQ(map.size(), 10u);
 
     _mode.Begin(Tokens::TGL_LINE_LOOP);
     End();

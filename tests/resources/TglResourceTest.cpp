@@ -39,8 +39,7 @@ TEST(TglResource, NeverInitialisedIsNeitherValidNorDeallocated) {
     {
         CountingResource resource(deallocations);
         id = resource.TglInstanceId();
-        EXPECT_LT(id, 0);
-        EXPECT_FALSE(resource.IsValid());
+        EXPECT_TRUE(id < 0 && !resource.IsValid());
         resource.Deallocate();
         EXPECT_EQ(resource.TglInstanceId(), id);
     }
@@ -96,15 +95,12 @@ TEST_F(TglResourceLife, DeallocatesOnceAndCanBeMadeLiveAgain) {
     CountingResource resource(deallocations);
     int const constructed = resource.TglInstanceId();
     Initialize(resource, _lifetime);
-    EXPECT_EQ(resource.TglInstanceId(), -constructed);
-    EXPECT_TRUE(resource.IsValid());
+    EXPECT_TRUE(resource.TglInstanceId() == -constructed && resource.IsValid());
 
     Debug::CaptureScope capture;
     resource.Deallocate();
     resource.Deallocate();
-    EXPECT_EQ(deallocations, 1);
-    EXPECT_EQ(resource.TglInstanceId(), constructed);
-    EXPECT_FALSE(resource.IsValid());
+    EXPECT_TRUE(deallocations == 1 && resource.TglInstanceId() == constructed && !resource.IsValid());
     EXPECT_EQ(capture.Texts(Channel::Debug), std::vector<std::string>{Line(-constructed, "Deallocated!\n")});
 
     Initialize(resource, _lifetime);
@@ -122,9 +118,7 @@ TEST_F(TglResourceLife, FacadeEndingFirstDeallocatesOnceAndTheLaterDestructionOn
         Initialize(resource, facadeLifetime);
         id = resource.TglInstanceId();
         facadeLifetime.Expire();
-        EXPECT_EQ(deallocations, 1);
-        EXPECT_FALSE(resource.IsValid());
-        EXPECT_EQ(resource.TglInstanceId(), -id);
+        EXPECT_TRUE(deallocations == 1 && !resource.IsValid() && resource.TglInstanceId() == -id);
     }
     EXPECT_EQ(deallocations, 1);
     EXPECT_EQ(capture.Texts(Channel::Debug),
@@ -149,9 +143,7 @@ TEST_F(TglResourceLife, ObjectNeedsAGlNameToBeValid) {
     NamedObject named(_facade.api, 7);
     Initialize(unnamed, _lifetime);
     Initialize(named, _lifetime);
-    EXPECT_GT(unnamed.TglInstanceId(), 0);
-    EXPECT_FALSE(unnamed.IsValid());
-    EXPECT_TRUE(named.IsValid());
+    EXPECT_TRUE(unnamed.TglInstanceId() > 0 && !unnamed.IsValid() && named.IsValid());
     _lifetime.Expire();
     EXPECT_FALSE(named.IsValid());
 }

@@ -75,21 +75,16 @@ TEST(VertexData, ClearKeepsTheIndicesAndFreeKeepsTheDescriptions) {
 
     VD copy = data;
     copy.FreeVertexMemory();
-    EXPECT_FALSE(copy.vertices->data);
-    EXPECT_FALSE(copy.normals->data);
-    EXPECT_EQ(copy.vertices->count, 10u);
-    EXPECT_EQ(copy.texCoords1->dims, VD::XY);
+    EXPECT_FALSE(copy.vertices->data || copy.normals->data);
+    EXPECT_TRUE(copy.vertices->count == 10u && copy.texCoords1->dims == VD::XY);
     EXPECT_TRUE(data.vertices->data) << "a copy's blocks are shared, its descriptions its own";
     EXPECT_EQ(copy.indices->data.get(), indexBlock.get());
     copy.FreeIndexMemory();
-    EXPECT_FALSE(copy.indices->data);
-    EXPECT_EQ(copy.indices->count, 6u);
+    EXPECT_TRUE(!copy.indices->data && copy.indices->count == 6u);
 
     data.Clear();
-    EXPECT_FALSE(data.primitive.Defined());
-    EXPECT_FALSE(data.vertices.Defined());
-    EXPECT_FALSE(data.normals.Defined());
-    EXPECT_FALSE(data.texCoords1.Defined());
+    EXPECT_FALSE(data.primitive.Defined() || data.vertices.Defined() || data.normals.Defined() ||
+                 data.texCoords1.Defined());
     ASSERT_TRUE(data.indices.Defined());
     EXPECT_EQ(*data.indices, (VD::Indices{indexBlock, VD::UnsignedByte, 6}));
 }
@@ -97,15 +92,11 @@ TEST(VertexData, ClearKeepsTheIndicesAndFreeKeepsTheDescriptions) {
 TEST(VertexData, BoundsOverAllOrOnlyTheIndexedVertices) {
     VD data;
     data.vertices = VD::Vertices{BlockOf<float>({1, 2, 3, -4, 5, 0.5f, 7, -8, 9}), VD::XYZ, VD::Float, 3};
-    auto box = data.BoundingBox();
-    EXPECT_EQ(box.min, Vector3d(-4, -8, 0.5));
-    EXPECT_EQ(box.max, Vector3d(7, 5, 9));
+    EXPECT_EQ(data.BoundingBox(), Types::BoundingBox(Vector3d(-4, -8, 0.5), Vector3d(7, 5, 9)));
 
     data.vertices = VD::Vertices{BlockOf<short>({1, 2, -3, 4, 5, -6, 100, 100}), VD::XY, VD::Short, 4};
     data.indices = VD::Indices{BlockOf<unsigned short>({2, 0, 2}), VD::UnsignedShort, 3};
-    box = data.BoundingBox();
-    EXPECT_EQ(box.min, Vector3d(1, -6, 0));
-    EXPECT_EQ(box.max, Vector3d(5, 2, 0));
+    EXPECT_EQ(data.BoundingBox(), Types::BoundingBox(Vector3d(1, -6, 0), Vector3d(5, 2, 0)));
 
     data.indices = VD::Indices{BlockOf<unsigned>({1}), VD::UnsignedInt, 1};
     EXPECT_EQ(data.BoundingBox(), Types::BoundingBox(Vector3d(-3, 4, 0), Vector3d(-3, 4, 0)));
@@ -134,17 +125,15 @@ TEST(VertexData, BoundsOfUnusableVerticesAreEmptyAndReported) {
 }
 
 TEST(VertexData, TokensAreTheGlEnumerants) {
-    EXPECT_EQ(VD::ToToken(VD::Short), unsigned(GL_SHORT));
-    EXPECT_EQ(VD::ToToken(VD::Int), unsigned(GL_INT));
-    EXPECT_EQ(VD::ToToken(VD::Float), unsigned(GL_FLOAT));
-    EXPECT_EQ(VD::ToToken(VD::Double), unsigned(GL_DOUBLE));
-    EXPECT_EQ(VD::ToToken(VD::UnsignedByte), unsigned(GL_UNSIGNED_BYTE));
-    EXPECT_EQ(VD::ToToken(VD::UnsignedShort), unsigned(GL_UNSIGNED_SHORT));
-    EXPECT_EQ(VD::ToToken(VD::UnsignedInt), unsigned(GL_UNSIGNED_INT));
-    unsigned const primitives[] = {GL_POINTS,         GL_LINES,          GL_LINE_LOOP, GL_LINE_STRIP,
-                                   GL_TRIANGLES,      GL_TRIANGLE_STRIP, GL_TRIANGLE_FAN,
-                                   GL_QUADS,          GL_QUAD_STRIP,     GL_POLYGON};
-    for (int p = VD::Points; p <= VD::Polygon; ++p) EXPECT_EQ(VD::ToToken(VD::Primitive(p)), primitives[p]);
+    EXPECT_EQ((std::vector<unsigned>{VD::ToToken(VD::Short), VD::ToToken(VD::Int), VD::ToToken(VD::Float),
+                                     VD::ToToken(VD::Double), VD::ToToken(VD::UnsignedByte),
+                                     VD::ToToken(VD::UnsignedShort), VD::ToToken(VD::UnsignedInt)}),
+              (std::vector<unsigned>{GL_SHORT, GL_INT, GL_FLOAT, GL_DOUBLE, GL_UNSIGNED_BYTE, GL_UNSIGNED_SHORT,
+                                     GL_UNSIGNED_INT}));
+    std::vector<unsigned> tokens;
+    for (int p = VD::Points; p <= VD::Polygon; ++p) tokens.push_back(VD::ToToken(VD::Primitive(p)));
+    EXPECT_EQ(tokens, (std::vector<unsigned>{GL_POINTS, GL_LINES, GL_LINE_LOOP, GL_LINE_STRIP, GL_TRIANGLES,
+                                             GL_TRIANGLE_STRIP, GL_TRIANGLE_FAN, GL_QUADS, GL_QUAD_STRIP, GL_POLYGON}));
 
     Debug::CaptureScope capture;
     EXPECT_EQ(VD::ToToken(VD::ElementType(4)), 0u);
@@ -153,16 +142,15 @@ TEST(VertexData, TokensAreTheGlEnumerants) {
 }
 
 TEST(CustomAttribute, NamesAndTheirRange) {
-    EXPECT_STREQ(CustomAttribute::NameFromId(CustomAttribute::Position), "attr_Position");
-    EXPECT_STREQ(CustomAttribute::NameFromId(CustomAttribute::Reserved0), "attr_Reserved0");
-    EXPECT_STREQ(CustomAttribute::NameFromId(CustomAttribute::User0), "attr_User0");
-    EXPECT_STREQ(CustomAttribute::NameFromId(CustomAttribute::User7), "attr_User7");
-
+    std::vector<std::string> names;
     Debug::CaptureScope capture;
-    EXPECT_STREQ(CustomAttribute::NameFromId(CustomAttribute::Id(16)), "");
+    for (auto id : {CustomAttribute::Position, CustomAttribute::Reserved0, CustomAttribute::User0, CustomAttribute::User7,
+                    CustomAttribute::Id(16)})
+        names.push_back(CustomAttribute::NameFromId(id));
+    EXPECT_EQ(names, (std::vector<std::string>{"attr_Position", "attr_Reserved0", "attr_User0", "attr_User7", ""}));
     auto const failures = ::Tev::Test::Assertions(capture);
     ASSERT_EQ(failures.size(), 1u);
-    EXPECT_EQ(failures[0].rfind("\"0 <= static_cast<int>(p_id) < CustomAttribute::IdCount\" - ", 0), 0u) << failures[0];
+    EXPECT_TRUE(failures[0].starts_with("\"0 <= static_cast<int>(p_id) < CustomAttribute::IdCount\" - ")) << failures[0];
 }
 
 }  // namespace
