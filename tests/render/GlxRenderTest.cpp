@@ -31,17 +31,9 @@ protected:
     static int BufferBits(Descriptor const& p_d) { return p_d.cColorBits + p_d.cAlphaBits; }
     static bool Has(Descriptor const& p_d, std::uint32_t p_flags) { return (p_d.dwFlags & p_flags) == p_flags; }
 
-    // What the format chooser makes of a descriptor, as far as devices
-    // and contexts look at it.
+    // The format as the chooser hands it to devices and contexts.
     DeviceFormat FormatOf(int p_id, bool p_diagnostics = false) const {
-        Descriptor const d = Describe(p_id);
-        DeviceFormat format;
-        format.id = DeviceFormat::Id(p_id);
-        format.openGL = true;
-        format.pixelType = DeviceFormat::RGBA;
-        format.driverModel = Has(d, Pfd::GenericFormat) ? DeviceFormat::MCD : DeviceFormat::ICD;
-        format.accelerated = !Has(d, Pfd::GenericFormat);
-        format.doubleBuffered = Has(d, Pfd::DoubleBuffer);
+        DeviceFormat format = DeviceFormat::GetDeviceFormat(*_system, _display, unsigned(p_id));
         format.enableDiagnostics = p_diagnostics;
         return format;
     }
