@@ -34,9 +34,7 @@ inline void Draw(Chart::Ogl::OglApi const& p_gl, int p_frame) {
     p_gl.Clear(GL_COLOR_BUFFER_BIT);
     p_gl.Color4f(Channel(fore, 16), Channel(fore, 8), Channel(fore, 0), 1);
     p_gl.Begin(GL_TRIANGLES);
-    p_gl.Vertex2d(-1, -1);
-    p_gl.Vertex2d(1, -1);
-    p_gl.Vertex2d(-1, 1);
+    p_gl.Vertex2d(-1, -1), p_gl.Vertex2d(1, -1), p_gl.Vertex2d(-1, 1);
     p_gl.End();
     p_gl.Finish();
 }

@@ -211,12 +211,10 @@ TEST_F(Glx, DiagnosticsGiveADebugContextThatCallsBackSynchronously) {
         DeviceGLX const device(*_system, Size, Size, _display.Handle(), FormatOf(id, diagnostics));
         ContextGL context(device, *_system, DeviceFormatRequest{});
         auto const logged = capture.Texts(Channel::Debug);
-        EXPECT_EQ(std::count_if(logged.begin(), logged.end(),
-                                [](std::string const& p_text) {
-                                    return p_text.rfind("WGL Extensions :", 0) == 0 &&
-                                           p_text.find("GLX_ARB_create_context") != std::string::npos;
-                                }),
-                  2);  // one for the pbuffer, one for the context
+        // One for the pbuffer, one for the context.
+        EXPECT_EQ(std::count_if(logged.begin(), logged.end(), [](std::string const& p_text) {
+                      return p_text.starts_with("WGL Extensions :") && p_text.find("GLX_ARB_create_context") != p_text.npos;
+                  }), 2);
         context.MakeCurrent(device);
         OglApi const gl(ApiSystem);
         GLint flags = 0;

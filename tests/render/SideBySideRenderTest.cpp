@@ -26,12 +26,7 @@ constexpr int AlternatingFrames = 300;
 // Small and off-screen; double-buffered because llvmpipe under Xvfb can end
 // the process with a BadMatch on a single-buffered pbuffer.
 DeviceFormatRequest Offscreen(std::uint32_t p_acceleration) {
-    DeviceFormatRequest request;
-    request.devices = DeviceFormatRequest::Offscreen;
-    request.acceleration = p_acceleration;
-    request.doubleBuffered = true;
-    request.size = {Size, Size};
-    return request;
+    return {DeviceFormatRequest::Offscreen, {Size, Size}, p_acceleration, true, false, false, false, {}};
 }
 
 // One implementation's device context with the table that goes with it,
