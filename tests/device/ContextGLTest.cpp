@@ -11,6 +11,7 @@
 #include <gtest/gtest.h>
 
 #include <thread>
+#include <tuple>
 
 namespace Tev::Test {
 namespace {
@@ -108,19 +109,15 @@ TEST_F(ContextGLFake, NestedCallsBindOnceAndReleaseOnceOtherThreadsAreReported) 
 
 TEST_F(ContextGLFake, OnlyDoubleBufferedWindowsSwap) {
     Debug::CaptureScope capture;
-    struct Case {
-        DeviceFormat::DeviceType type;
-        bool doubleBuffered;
-        int swaps;
-    } const cases[] = {{DeviceFormat::Window, true, 1}, {DeviceFormat::Window, false, 0},
-                       {DeviceFormat::Pbuffer, true, 0}, {DeviceFormat::Bitmap, false, 0}};
-    for (Case const& c : cases) {
+    using Case = std::tuple<DeviceFormat::DeviceType, bool, int>;  // device, double-buffered, swaps
+    for (auto const& [type, doubleBuffered, swaps] : {Case{DeviceFormat::Window, true, 1}, Case{DeviceFormat::Window, false, 0},
+                                                      Case{DeviceFormat::Pbuffer, true, 0}, Case{DeviceFormat::Bitmap, false, 0}}) {
         script.swaps = 0;
-        FakeDevice const swapping(3, c.type, c.doubleBuffered);
+        FakeDevice const swapping(3, type, doubleBuffered);
         ContextGL context(swapping, FakeApi(), request);
         context.MakeCurrent(swapping);
         context.SwapBuffers();
-        EXPECT_EQ(script.swaps, c.swaps) << c.type << " " << c.doubleBuffered;
+        EXPECT_EQ(script.swaps, swaps) << type << " " << doubleBuffered;
         context.DoneCurrent();
     }
     EXPECT_TRUE(Assertions(capture).empty()) << Assertions(capture).front();
