@@ -204,14 +204,14 @@ TEST_F(Pool, MappingBindsMapsAndUnbindsAndChecksItsWindowAndItsPointer) {
 
 TEST(BufferMapAccess, BitsPerAccessKindAndFlag) {
     using Sync = BufferMapWriteSync;
+    using Write = Internal::AccessPermission<2>;
+    using ReadWrite = Internal::AccessPermission<1>;
     Debug::CaptureScope capture;
-    EXPECT_EQ((std::vector<unsigned>{Internal::AccessPermission<2>::Permission(Sync::Default),
-                                     Internal::AccessPermission<2>::Permission(Sync::InvalidateRange),
-                                     Internal::AccessPermission<2>::Permission(Sync::InvalidateBuffer),
-                                     Internal::AccessPermission<1>::Permission(Sync::Default)}),
+    EXPECT_EQ((std::vector<unsigned>{Write::Permission(Sync::Default), Write::Permission(Sync::InvalidateRange),
+                                     Write::Permission(Sync::InvalidateBuffer), ReadWrite::Permission(Sync::Default)}),
               (std::vector<unsigned>{0x02, 0x06, 0x0A, 0x03}));
     EXPECT_TRUE(Assertions(capture).empty());
-    EXPECT_EQ(Internal::AccessPermission<1>::Permission(Sync::InvalidateBuffer), 0x03u);
+    EXPECT_EQ(ReadWrite::Permission(Sync::InvalidateBuffer), 0x03u);
     EXPECT_TRUE(HasAssertion(capture, "p_access == BufferMapWriteSync::Default && \"ReadWrite buffers only support default flushing\""));
 }
 
