@@ -10,14 +10,16 @@
 #include "ogl/device/osmesa/DeviceOSMesa.h"
 #include "support/LogCapture.h"
 #include "support/ScopedEnv.h"
+#include "support/XServerTest.h"
 
 #include <gtest/gtest.h>
 
-#include "support/XDisplayGuard.h"
-
-#include <functional>
+#include <sstream>
 
 #include "FrameCheck.h"
+
+// Xlib's None and Bool macros break gtest's headers: X comes last.
+#include <X11/Xlib.h>
 
 namespace Tev::Test {
 namespace {
@@ -26,161 +28,55 @@ using namespace Chart::Ogl;
 using Debug::Channel;
 using Frames::Size;
 
+// With a depth buffer, of the frames' size.
 DeviceFormatRequest Request(std::uint32_t p_devices, std::uint32_t p_acceleration, bool p_double) {
-    DeviceFormatRequest request;
-    request.devices = p_devices;
-    request.acceleration = p_acceleration;
-    request.doubleBuffered = p_double;
-    request.depthBuffer = true;
-    request.size = {Size, Size};
-    return request;
+    return {p_devices, {Size, Size}, p_acceleration, p_double, true, false, false, {}};
 }
 
-// Draws frame 1 with the context current and checks it through the reader
-// p_read makes, while still current.
-template <typename Api>
-void DrawAndCheck(DeviceContext const& p_dc, Api p_tag, std::function<Frames::Reader(OglApi const&)> const& p_read,
-                  char const* p_where) {
-    p_dc.context->MakeCurrent(*p_dc.device);
-    OglApi const gl(p_tag);
-    Frames::Draw(gl, 1);
-    EXPECT_EQ(Frames::Check(p_read(gl), 1), "") << p_where;
-    p_dc.context->DoneCurrent();
-}
-
-Frames::Reader BackBuffer(OglApi const& p_gl) { return Frames::FromGl(p_gl, GL_BACK); }
-
-class DeviceContextOnX : public ::testing::Test {
+class DeviceContextOnX : public XServerTest {
 protected:
-    void SetUp() override {
-        _display = GetRootDisplayHnd();
-        TEVOGL_SKIP_WITHOUT_DISPLAY(_display);
-    }
-    void TearDown() override {
-        if (_window) XDestroyWindow(X(), _window);
-        if (_colormap) XFreeColormap(X(), _colormap);
-    }
-
-    ::Display* X() const { return _display.XDisplay(); }
-
-    // A mapped window of the visual at p_x. Every window test has a place
-    // of its own, apart from the other render tests' windows too: tests run
-    // at the same time on one server, and XGetImage reads what covers a
-    // window.
-    Window MakeWindow(Visual* p_visual, int p_depth, int p_x) {
-        XSetWindowAttributes attributes{};
-        Window const root = DefaultRootWindow(X());
-        _colormap = attributes.colormap = XCreateColormap(X(), root, p_visual, AllocNone);
-        _window = XCreateWindow(X(), root, p_x, 400, Size, Size, 0, p_depth, InputOutput, p_visual,
-                                CWColormap | CWBorderPixel, &attributes);
-        XSelectInput(X(), _window, StructureNotifyMask);
-        XMapWindow(X(), _window);
-        for (XEvent event; event.type != MapNotify || event.xmap.window != _window;) XNextEvent(X(), &event);
-        return _window;
-    }
-
-    struct FormatVisual {
-        Visual* visual = nullptr;
-        int depth = 0;
-    };
-
-    // The X visual a format draws to windows through; none for a format
-    // without one.
-    FormatVisual VisualOf(OsApi const& p_api, int p_format) const {
-        XVisualInfo wanted{};
-        wanted.visualid = WindowDevice::VisualFor(p_api, _display, p_format);
-        int count = 0;
-        XVisualInfo* const info = wanted.visualid ? XGetVisualInfo(X(), VisualIDMask, &wanted, &count) : nullptr;
-        if (!info) return {};
-        FormatVisual const found{info->visual, info->depth};
-        XFree(info);
-        return found;
-    }
-
     // X fixes a window's visual when it is made, so the format is chosen
-    // first, as the device context will choose it.
-    Window MakeWindowFor(DeviceFormatRequest const& p_request) {
-        OsApi const api(ApiSystem, _display);
-        DeviceFormat const format = DeviceFormat::ChooseDeviceFormat(api, _display, p_request);
-        FormatVisual const visual = VisualOf(api, int(format.id));
-        return visual.visual ? MakeWindow(visual.visual, visual.depth, 700) : 0;
+    // first, as the device context will choose it. Every window test has a
+    // place of its own.
+    std::unique_ptr<XTestWindow> WindowFor(DeviceFormatRequest const& p_request, int p_x) {
+        DeviceFormat const format = DeviceFormat::ChooseDeviceFormat(*_system, _display, p_request);
+        unsigned long const visual = WindowDevice::VisualFor(*_system, _display, int(format.id));
+        return visual ? std::make_unique<XTestWindow>(_display, p_x, 400, Size, Size, visual) : nullptr;
     }
-
-    // The first format of the system table with all of p_flags, none of
-    // p_without and a 24-bit visual, as a pixmap of the default depth needs.
-    int FindFormat(std::uint32_t p_flags, std::uint32_t p_without) const {
-        OsApi const api(ApiSystem, _display);
-        int const count = api.DescribePixelFormat(_display.Handle(), 1, 0, nullptr);
-        for (int id = 1; id <= count; ++id) {
-            PixelFormatDescriptor d{};
-            api.DescribePixelFormat(_display.Handle(), id, sizeof d, &d);
-            if ((d.dwFlags & p_flags) == p_flags && !(d.dwFlags & p_without) && VisualOf(api, id).depth == 24)
-                return id;
-        }
-        return 0;
-    }
-
-    DisplayHnd _display;
-    Window _window = 0;
-    Colormap _colormap = 0;
 };
 
+// The front buffer reads back garbage after a swap on Xvfb: the back buffer
+// is read before it, the window after it.
 TEST_F(DeviceContextOnX, SystemWindowDrawsIntoTheBackBufferAndShowsItOnTheSwap) {
     Debug::CaptureScope capture;
     DeviceFormatRequest const request = Request(DeviceFormatRequest::Window, DeviceFormatRequest::Hardware, true);
-    Window const window = MakeWindowFor(request);
-    ASSERT_NE(window, 0u);
-    WindowDevice const handle(_display, window);
-    DeviceContext const dc(_display, handle.Handle(), request);
+    auto const window = WindowFor(request, 700);
+    ASSERT_NE(window, nullptr);
+    DeviceContext const dc(_display, window->Device(), request);
     EXPECT_EQ(dc.osApi->IsSystem, 1);
     EXPECT_EQ(dc.device->Format().currentDevice, DeviceFormat::Window);
     EXPECT_TRUE(dc.device->Format().doubleBuffered && dc.device->Format().depthBits >= 8);
     ASSERT_NE(dynamic_cast<ContextGL*>(dc.context.get()), nullptr);
-
-    dc.context->MakeCurrent(*dc.device);
-    OglApi const gl(ApiSystem);
-    Frames::Draw(gl, 1);
-    // The front buffer reads back garbage after a swap on Xvfb: the back
-    // buffer before it, the window after it.
-    EXPECT_EQ(Frames::Check(Frames::FromGl(gl, GL_BACK), 1), "");
-    dc.context->SwapBuffers();
-    EXPECT_EQ(Frames::Check(Frames::FromX(X(), window), 1), "");
-    dc.context->DoneCurrent();
-    EXPECT_TRUE(Assertions(capture).empty()) << Assertions(capture).front();
-}
-
-// Double-buffered on purpose: Mesa's llvmpipe under Xvfb ends the process
-// with a BadMatch when it renders into a single-buffered pbuffer of some
-// formats. The parent is left null: the surface goes on the display's root.
-TEST_F(DeviceContextOnX, OffscreenHardwareRequestDrawsIntoAPbuffer) {
-    Debug::CaptureScope capture;
-    DeviceFormatRequest const request = Request(DeviceFormatRequest::Offscreen, DeviceFormatRequest::Hardware, true);
-    DeviceContext const dc(_display, nullptr, request);
-    EXPECT_EQ(dc.device->Format().currentDevice, DeviceFormat::Pbuffer);
-    EXPECT_EQ(dc.device->Buffer().Width(), Size);
-    EXPECT_TRUE(dc.device->HardwareDisplay() == _display);
-    DrawAndCheck(dc, ApiSystem, &BackBuffer, "pbuffer");
+    EXPECT_EQ(Frames::DrawAndCheck(*dc.context, *dc.device, ApiSystem, GL_BACK, Frames::FromX(X(), window->Id())), "");
     EXPECT_TRUE(Assertions(capture).empty()) << Assertions(capture).front();
 }
 
 // A generic (slow) format is never chosen for a hardware request; forced,
 // it takes the pixmap path, whose pixels X reads from the pixmap.
 TEST_F(DeviceContextOnX, ForcedGenericFormatDrawsIntoAPixmap) {
-    int const id = FindFormat(Pfd::GenericFormat | Pfd::DrawToBitmap, Pfd::DoubleBuffer);
+    int const id = Find([&](int p_id, Descriptor const& p_d) {
+        return (p_d.dwFlags & Pfd::GenericFormat) && (p_d.dwFlags & Pfd::DrawToBitmap) &&
+               !(p_d.dwFlags & Pfd::DoubleBuffer) && VisualDepth(p_id) == 24;
+    });
     ASSERT_GT(id, 0);
     ScopedEnv const force("TEVOS_FORCE_PIXEL_FORMAT", std::to_string(id).c_str());
     Debug::CaptureScope capture;
     DeviceFormatRequest const request = Request(DeviceFormatRequest::Offscreen, DeviceFormatRequest::Hardware, false);
     DeviceContext const dc(_display, _display.Handle(), request);
-    DeviceFormat const& format = dc.device->Format();
-    EXPECT_EQ(format.id, DeviceFormat::Id(id));
-    EXPECT_EQ(format.currentDevice, DeviceFormat::Bitmap);
-    Drawable const pixmap = dc.device->HardwareHandle()->drawable;
-    ASSERT_NE(pixmap, 0u);
-    dc.context->MakeCurrent(*dc.device);
-    Frames::Draw(OglApi(ApiSystem), 1);
-    dc.context->DoneCurrent();
-    EXPECT_EQ(Frames::Check(Frames::FromX(X(), pixmap), 1), "");
+    EXPECT_EQ(dc.device->Format().id, DeviceFormat::Id(id));
+    EXPECT_EQ(dc.device->Format().currentDevice, DeviceFormat::Bitmap);
+    Frames::Reader const pixmap = Frames::FromX(X(), dc.device->HardwareHandle()->drawable);
+    EXPECT_EQ(Frames::DrawAndCheck(*dc.context, *dc.device, ApiSystem, GL_NONE, pixmap), "");
     EXPECT_TRUE(Assertions(capture).empty()) << Assertions(capture).front();
 }
 
@@ -189,41 +85,45 @@ TEST_F(DeviceContextOnX, ForcedGenericFormatDrawsIntoAPixmap) {
 TEST_F(DeviceContextOnX, SoftwareWindowDrawsThroughTheMesaEmulation) {
     Debug::CaptureScope capture;
     DeviceFormatRequest const request = Request(DeviceFormatRequest::Window, DeviceFormatRequest::Software, true);
-    Window const window = MakeWindow(DefaultVisual(X(), DefaultScreen(X())), 24, 750);
-    WindowDevice const handle(_display, window);
-    DeviceContext const dc(_display, handle.Handle(), request);
+    XTestWindow const window(_display, 750, 400, Size, Size);
+    DeviceContext const dc(_display, window.Device(), request);
     EXPECT_EQ(dc.osApi->IsSystem, 0);
     DeviceFormat const& format = dc.device->Format();
     EXPECT_TRUE(format.mesaSoftware && format.doubleBuffered && format.depthBits >= 8);
     EXPECT_EQ(format.currentDevice, DeviceFormat::Window);
     ASSERT_NE(dynamic_cast<ContextGL*>(dc.context.get()), nullptr);
-
-    dc.context->MakeCurrent(*dc.device);
-    Frames::Draw(OglApi(ApiMesa), 1);
-    dc.context->SwapBuffers();
-    dc.context->DoneCurrent();
-    EXPECT_EQ(Frames::Check(Frames::FromX(X(), window), 1), "");
+    EXPECT_EQ(Frames::DrawAndCheck(*dc.context, *dc.device, ApiMesa, GL_NONE, Frames::FromX(X(), window.Id())), "");
     EXPECT_TRUE(Assertions(capture).empty()) << Assertions(capture).front();
 }
 
-// X devices borrow the caller's display connection, so the device context
-// keeps it open until its device and context are gone, even after the
-// caller let go. When a context cannot be made, construction ends and the
-// device made before it goes too, display reference and all.
-TEST_F(DeviceContextOnX, DisplayOutlivesTheCallersHandleAndNothingOutlivesAFailure) {
+// The surface of an off-screen request goes on the display's root when the
+// parent is null. Double-buffered on purpose: Mesa's llvmpipe under Xvfb
+// ends the process with a BadMatch when it renders into a single-buffered
+// pbuffer of some formats. X devices borrow the caller's display
+// connection, so the device context keeps it open until its device and
+// context are gone, even after the caller let go. When a context cannot be
+// made, construction ends and the device made before it goes too, display
+// reference and all.
+TEST_F(DeviceContextOnX, OffscreenHardwareRequestDrawsIntoAPbufferThatKeepsTheDisplayOpen) {
     auto closed = std::make_shared<bool>(false);
     auto display = std::make_unique<DisplayHnd>(std::shared_ptr<_XDisplay>(
         XOpenDisplay(nullptr), [closed](::Display* p_display) { XCloseDisplay(p_display), *closed = true; }));
     DeviceFormatRequest const request = Request(DeviceFormatRequest::Offscreen, DeviceFormatRequest::Hardware, true);
+    Debug::CaptureScope capture;
     {
-        Debug::CaptureScope capture;
         ScopedEnv const force("TEVOS_FORCE_PIXEL_FORMAT", "99999");  // no such format: no context either
         EXPECT_THROW(DeviceContext(*display, nullptr, request), Context::CreateGLContextFailed);
     }
+    capture.Sink().Clear();
     auto dc = std::make_unique<DeviceContext>(*display, nullptr, request);
+    EXPECT_EQ(dc->device->Format().currentDevice, DeviceFormat::Pbuffer);
+    EXPECT_EQ(dc->device->Buffer().Width(), Size);
+    EXPECT_TRUE(dc->device->HardwareDisplay() == *display);
     display.reset();
     EXPECT_FALSE(*closed);
-    DrawAndCheck(*dc, ApiSystem, &BackBuffer, "after the caller's display handle went");
+    EXPECT_EQ(Frames::DrawAndCheck(*dc->context, *dc->device, ApiSystem, GL_BACK), "")
+        << "after the caller's display handle went";
+    EXPECT_TRUE(Assertions(capture).empty()) << Assertions(capture).front();
     dc.reset();
     EXPECT_TRUE(*closed);
 }
@@ -240,48 +140,27 @@ TEST(DeviceContextOnOSMesa, AnyRequestGetsTheOSMesaBufferAndContext) {
             ASSERT_NE(dynamic_cast<DeviceOSMesa*>(dc.device.get()), nullptr);
             ASSERT_NE(dynamic_cast<ContextOSMesa*>(dc.context.get()), nullptr);
             EXPECT_EQ(dc.device->Buffer().Width(), Size);
-            DrawAndCheck(dc, ApiMesa, [&](OglApi const&) { return Frames::FromMemory(*dc.device); }, "OSMesa");
+            EXPECT_EQ(Frames::DrawAndCheck(*dc.context, *dc.device, ApiMesa, GL_NONE, Frames::FromMemory(*dc.device)), "");
             EXPECT_TRUE(Assertions(capture).empty()) << Assertions(capture).front();
         }
     }
 }
 
+// The dumps are checked field by field beside the format; here, that the
+// device context logs the request and the format it chose, whose devices
+// are OSMesa's alone.
 TEST(DeviceContextOnOSMesa, LogsTheRequestAndTheChosenFormat) {
     Debug::CaptureScope capture;
     DeviceFormatRequest request = Request(DeviceFormatRequest::Offscreen, DeviceFormatRequest::Software, false);
     request.stencilBuffer = true;
     DeviceContext const dc(DisplayHnd::OSMesaDisplay, nullptr, request);
-    std::vector<std::string> const expected = {
-        "Requested Device Format:\n"
-        "\tDevices            = Offscreen \n"
-        "\tAcceleration       = Software\n"
-        "\tDouble Buffered    = False\n"
-        "\tDepth Buffer       = True\n"
-        "\tStencil Buffer     = True\n"
-        "\tEnable Diagnostics = False\n"
-        "\n",
-        "Chosen Device Format:\n"
-        "\n"
-        "\tId                          = OSMesa\n"
-        "\tCurrentDevice               = \n"
-        "\tSupportedDevices            = OSMesa \n"
-        "\tOpenGL                      = False\n"
-        "\tGDI                         = False\n"
-        "\tDriver Model                = Unknown\n"
-        "\tAccelerated                 = False\n"
-        "\tMesa Software               = False\n"
-        "\tPixel Type                  = Unknown\n"
-        "\tSwap Type                   = Unknown\n"
-        "\tLayer Plane                 = 0\n"
-        "\tDouble Buffered             = False\n"
-        "\tStereo Buffer               = False\n"
-        "\tColor Bits                  = 0\t(0,0,0,0)\n"
-        "\tDepth Bits                  = 0\n"
-        "\tAccum Bits                  = 0\n"
-        "\tStencil Bits                = 0\n"
-        "\tAux Buffers                 = 0\n"
-        "\tEnable Diagnostics          = False\n"};
-    EXPECT_EQ(capture.Texts(Channel::Out), expected);
+    std::ostringstream requested, chosen;
+    requested << "Requested Device Format:\n" << request;
+    chosen << "Chosen Device Format:\n" << DeviceFormat::ChooseDeviceFormat(*dc.osApi, DisplayHnd::OSMesaDisplay, request);
+    EXPECT_EQ(capture.Texts(Channel::Out), (std::vector<std::string>{requested.str(), chosen.str()}));
+    EXPECT_NE(chosen.str().find("\tId                          = OSMesa\n\tCurrentDevice               = \n"
+                                "\tSupportedDevices            = OSMesa \n"),
+              std::string::npos);
 }
 
 // Reported, and the device made anyway; the OSMesa buffer reports its own

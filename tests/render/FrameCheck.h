@@ -3,7 +3,9 @@
 #pragma once
 
 #include "ogl/api/OglApi.h"
+#include "ogl/device/Context.h"
 #include "ogl/device/Device.h"
+#include "support/XTestWindow.h"
 
 #include <GL/gl.h>
 
@@ -11,10 +13,6 @@
 #include <functional>
 #include <sstream>
 #include <string>
-
-// Xlib's None and Bool macros break gtest's headers: X comes last.
-#include <X11/Xlib.h>
-#include <X11/Xutil.h>
 
 namespace Tev::Test::Frames {
 
@@ -36,9 +34,7 @@ inline void Draw(Chart::Ogl::OglApi const& p_gl, int p_frame) {
     p_gl.Clear(GL_COLOR_BUFFER_BIT);
     p_gl.Color4f(Channel(fore, 16), Channel(fore, 8), Channel(fore, 0), 1);
     p_gl.Begin(GL_TRIANGLES);
-    p_gl.Vertex2d(-1, -1);
-    p_gl.Vertex2d(1, -1);
-    p_gl.Vertex2d(-1, 1);
+    p_gl.Vertex2d(-1, -1), p_gl.Vertex2d(1, -1), p_gl.Vertex2d(-1, 1);
     p_gl.End();
     p_gl.Finish();
 }
@@ -74,14 +70,26 @@ inline Reader FromMemory(Chart::Ogl::Device const& p_device) {
 }
 
 // A window or pixmap of a 24-bit TrueColor visual, through the X server.
-inline Reader FromX(::Display* p_display, Drawable p_drawable) {
+inline Reader FromX(_XDisplay* p_display, unsigned long p_drawable) {
     return [p_display, p_drawable](int p_x, int p_y) {
-        XImage* const image = XGetImage(p_display, p_drawable, 0, 0, Size, Size, AllPlanes, ZPixmap);
-        if (!image) return std::uint32_t(0xDEADBEEF);
-        std::uint32_t const pixel = std::uint32_t(XGetPixel(image, p_x, Size - 1 - p_y)) & 0xFFFFFF;
-        XDestroyImage(image);
-        return pixel;
+        return ReadDrawable(p_display, p_drawable, Size, Size).At(p_x, Size - 1 - p_y);
     };
+}
+
+// Draws frame 1 with p_context current on p_device, through the table of
+// p_implementation, and checks it: in GL buffer p_buffer (unless GL_NONE)
+// while current, before the swap; through p_shown (if any) after the swap
+// and the release. Empty when every check read the frame as drawn.
+template <typename Implementation>
+std::string DrawAndCheck(Chart::Ogl::Context& p_context, Chart::Ogl::Device const& p_device,
+                         Implementation p_implementation, GLenum p_buffer, Reader const& p_shown = {}) {
+    p_context.MakeCurrent(p_device);
+    Chart::Ogl::OglApi const gl(p_implementation);
+    Draw(gl, 1);
+    std::string wrong = p_buffer == GL_NONE ? "" : Check(FromGl(gl, p_buffer), 1);
+    p_context.SwapBuffers();
+    p_context.DoneCurrent();
+    return p_shown ? wrong + Check(p_shown, 1) : wrong;
 }
 
 }  // namespace Tev::Test::Frames

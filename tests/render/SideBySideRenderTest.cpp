@@ -10,7 +10,6 @@
 
 #include "support/XDisplayGuard.h"
 
-#include <functional>
 #include <thread>
 
 #include "FrameCheck.h"
@@ -27,45 +26,29 @@ constexpr int AlternatingFrames = 300;
 // Small and off-screen; double-buffered because llvmpipe under Xvfb can end
 // the process with a BadMatch on a single-buffered pbuffer.
 DeviceFormatRequest Offscreen(std::uint32_t p_acceleration) {
-    DeviceFormatRequest request;
-    request.devices = DeviceFormatRequest::Offscreen;
-    request.acceleration = p_acceleration;
-    request.doubleBuffered = true;
-    request.size = {Size, Size};
-    return request;
+    return {DeviceFormatRequest::Offscreen, {Size, Size}, p_acceleration, true, false, false, false, {}};
 }
 
-// One implementation's device context with the table and the reader that
-// go with it; the table is filled the first time the context is current.
+// One implementation's device context with the table that goes with it,
+// filled the first time the context is current.
 struct Renderer {
     DeviceContext dc;
     std::unique_ptr<OglApi> gl;
 
-    void Bind() {
+    // The first wrong frame of p_count from p_first, so that a broken run
+    // reports once, not a thousand times.
+    std::string Run(int p_first, int p_count) {
         dc.context->MakeCurrent(*dc.device);
         if (!gl) gl = dc.osApi->IsSystem ? std::make_unique<OglApi>(ApiSystem) : std::make_unique<OglApi>(ApiMesa);
-    }
-    void Release() { dc.context->DoneCurrent(); }
-    Frames::Reader Reader() const {
-        if (dc.osApi->IsSystem) return Frames::FromGl(*gl, GL_BACK);
-        return Frames::FromMemory(*dc.device);
-    }
-    // Empty when the frame read back as drawn.
-    std::string Frame(int p_frame) {
-        Frames::Draw(*gl, p_frame);
-        return Frames::Check(Reader(), p_frame);
+        std::string wrong;
+        for (int frame = p_first; frame < p_first + p_count && wrong.empty(); ++frame) {
+            Frames::Draw(*gl, frame);
+            wrong = Frames::Check(dc.osApi->IsSystem ? Frames::FromGl(*gl, GL_BACK) : Frames::FromMemory(*dc.device), frame);
+        }
+        dc.context->DoneCurrent();
+        return wrong;
     }
 };
-
-// The first wrong frame, so that a broken run reports once, not a
-// thousand times.
-std::string RunFrames(Renderer& p_renderer, int p_first, int p_count) {
-    p_renderer.Bind();
-    std::string wrong;
-    for (int frame = p_first; frame < p_first + p_count && wrong.empty(); ++frame) wrong = p_renderer.Frame(frame);
-    p_renderer.Release();
-    return wrong;
-}
 
 TEST(SideBySide, GlxAndOSMesaRenderOnTwoThreadsAtOnceThenAlternateOnOne) {
     DisplayHnd const display = GetRootDisplayHnd();
@@ -80,8 +63,8 @@ TEST(SideBySide, GlxAndOSMesaRenderOnTwoThreadsAtOnceThenAlternateOnOne) {
     // Different frame numbers on the two threads: a pixel that crossed over
     // has the other thread's colours.
     std::string glxWrong, osmesaWrong;
-    std::thread glxThread([&] { glxWrong = RunFrames(glx, 0, ConcurrentFrames); });
-    std::thread osmesaThread([&] { osmesaWrong = RunFrames(osmesa, ConcurrentFrames, ConcurrentFrames); });
+    std::thread glxThread([&] { glxWrong = glx.Run(0, ConcurrentFrames); });
+    std::thread osmesaThread([&] { osmesaWrong = osmesa.Run(ConcurrentFrames, ConcurrentFrames); });
     glxThread.join();
     osmesaThread.join();
     EXPECT_EQ(glxWrong, "") << "GLX thread";
@@ -92,8 +75,7 @@ TEST(SideBySide, GlxAndOSMesaRenderOnTwoThreadsAtOnceThenAlternateOnOne) {
     std::string alternateWrong;
     std::thread([&] {
         for (int frame = 0; frame < AlternatingFrames && alternateWrong.empty(); ++frame) {
-            Renderer& renderer = frame % 2 ? osmesa : glx;
-            alternateWrong = RunFrames(renderer, 2 * ConcurrentFrames + frame, 1);
+            alternateWrong = (frame % 2 ? osmesa : glx).Run(2 * ConcurrentFrames + frame, 1);
         }
     }).join();
     EXPECT_EQ(alternateWrong, "") << "alternating thread";

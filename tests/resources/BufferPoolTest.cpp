@@ -20,28 +20,29 @@ namespace {
 using Access = Internal::BufferPoolAccess;
 using Handle = boost::weak_ptr<BufferData>;
 using Strings = std::vector<std::string>;
-using Stats = BufferPool::MemoryStatistics;
+using Names = std::vector<GLuint>;
+using Test::Assertions;
+using Test::FakeCall;
+using Test::FakeResult;
+using Test::HasAssertion;
 
 BufferUsage const StaticDraw = BufferUsage::Default;
 BufferUsage const DynamicDraw(BufferUsage::Dynamic, BufferUsage::Draw);
 BufferUsage const StreamDraw(BufferUsage::Stream, BufferUsage::Draw);
+unsigned const WriteInvalidate = Internal::AccessPermission<2>::Permission(BufferMapWriteSync::InvalidateBuffer);
 
 char g_mapped[64];
 
 class Pool : public ::testing::Test {
 protected:
     Pool() {
-        _facade.gl.On("glGenBuffers", [this](::Tev::Test::FakeCall const& p_call) -> ::Tev::Test::FakeResult {
-            *static_cast<GLuint*>(const_cast<void*>(p_call.Ptr(1))) = ++_generated;
-            return std::int64_t{0};
+        _facade.gl.On("glGenBuffers", [this](FakeCall const& p_call) -> FakeResult {
+            return *static_cast<GLuint*>(const_cast<void*>(p_call.Ptr(1))) = ++_generated, std::int64_t{0};
         });
-        _facade.gl.On("glDeleteBuffers", [this](::Tev::Test::FakeCall const& p_call) -> ::Tev::Test::FakeResult {
-            _deleted.push_back(*static_cast<GLuint const*>(p_call.Ptr(1)));
-            return std::int64_t{0};
+        _facade.gl.On("glDeleteBuffers", [this](FakeCall const& p_call) -> FakeResult {
+            return _deleted.push_back(*static_cast<GLuint const*>(p_call.Ptr(1))), std::int64_t{0};
         });
-        _facade.gl.On("glMapBufferRange", [](::Tev::Test::FakeCall const&) -> ::Tev::Test::FakeResult {
-            return static_cast<void const*>(g_mapped);
-        });
+        _facade.gl.On("glMapBufferRange", [](FakeCall const&) -> FakeResult { return static_cast<void const*>(g_mapped); });
         _pool = boost::make_shared<BufferPool>(_apiLifetime.Ref<const OglApi>(_facade.api));
         Internal::ResourceAccess::Initialize(*_pool, *_facade.tgl, _facade.api, _facadeLifetime);
     }
@@ -49,26 +50,30 @@ protected:
     Handle Get(std::uint64_t p_bytes, BufferUsage const& p_usage) { return Access::FindOrAllocate(*_pool, p_bytes, p_usage); }
     void Free(Handle const& p_handle) { Access::Free(*_pool, p_handle); }
     static unsigned Name(Handle const& p_handle) { return p_handle.lock()->Buffer(); }
-    Stats Statistics() { return _pool->GetMemoryStatistics(); }
     Strings Calls() const { return _facade.gl.CallStrings(); }
+    Names Deleted() {
+        std::sort(_deleted.begin(), _deleted.end());
+        return _deleted;
+    }
+    // Total, used and freed bytes.
+    std::vector<std::uint64_t> Statistics() const {
+        BufferPool::MemoryStatistics const stats = _pool->GetMemoryStatistics();
+        return {stats.totalMemory, stats.usedMemory, stats.freedMemory};
+    }
 
     ::Tev::Test::FakeFacade _facade;
     Utility::Lifetime _apiLifetime;
     Utility::Lifetime _facadeLifetime;
     boost::shared_ptr<BufferPool> _pool;
     GLuint _generated = 0;
-    std::vector<GLuint> _deleted;
+    Names _deleted;
 };
 
-void ExpectStats(Stats const& p_stats, std::uint64_t p_total, std::uint64_t p_used, std::uint64_t p_freed) {
-    EXPECT_EQ(p_stats.totalMemory, p_total);
-    EXPECT_EQ(p_stats.usedMemory, p_used);
-    EXPECT_EQ(p_stats.freedMemory, p_freed);
-}
+using Bytes = std::vector<std::uint64_t>;
 
-TEST_F(Pool, AFreedBufferComesBackOnlyForTheSameSizeAndUsage) {
+TEST_F(Pool, FreedBuffersComeBackOneByOneOnlyForTheSameSizeAndUsage) {
     Handle const first = Get(1000, StaticDraw);
-    auto calls = Calls();
+    auto const calls = Calls();
     ASSERT_EQ(calls.size(), 4u);
     EXPECT_TRUE(calls[0].starts_with("glGenBuffers(1, ")) << calls[0];
     EXPECT_EQ(Strings(calls.begin() + 1, calls.end()),
@@ -80,58 +85,48 @@ TEST_F(Pool, AFreedBufferComesBackOnlyForTheSameSizeAndUsage) {
     EXPECT_TRUE(Name(again) == 1u && Calls().empty());
 
     Free(again);
-    Handle const larger = Get(1001, StaticDraw);
-    Handle const dynamic = Get(1000, DynamicDraw);
+    Handle const larger = Get(1001, StaticDraw), dynamic = Get(1000, DynamicDraw);
     EXPECT_TRUE(Name(larger) == 2u && Name(dynamic) == 3u);
     EXPECT_EQ(dynamic.lock()->Usage(), unsigned(GL_DYNAMIC_DRAW));
     EXPECT_EQ(_facade.gl.Calls("glBufferData").back().Int(3), GL_DYNAMIC_DRAW);
-    ExpectStats(Statistics(), 3001, 2001, 1000);
-    EXPECT_TRUE(_deleted.empty());
+    EXPECT_EQ(Statistics(), (Bytes{3001, 2001, 1000}));
 
-}
-
-TEST_F(Pool, BuffersOfOneSizeAndUsageAreAllKeptAndReusedOneByOne) {
-    Handle const a = Get(64, StaticDraw), b = Get(64, StaticDraw);
-    Free(a), Free(b);
-    ExpectStats(Statistics(), 128, 0, 128);
-    std::vector<unsigned> names{Name(Get(64, StaticDraw)), Name(Get(64, StaticDraw)), Name(Get(64, StaticDraw))};
+    // All freed buffers of a size and usage are kept, each handed out once.
+    Handle const second = Get(1000, StaticDraw), third = Get(1000, StaticDraw);
+    Free(second), Free(third);
+    EXPECT_EQ(Statistics(), (Bytes{4001, 2001, 2000}));
+    Names names{Name(Get(1000, StaticDraw)), Name(Get(1000, StaticDraw)), Name(Get(1000, StaticDraw))};
     std::sort(names.begin(), names.end());
-    EXPECT_EQ(names, (std::vector<unsigned>{1, 2, 3}));
-    ExpectStats(Statistics(), 192, 192, 0);
+    EXPECT_EQ(names, (Names{1, 4, 5}));
+    EXPECT_EQ(Statistics(), (Bytes{5001, 5001, 0}));
+    EXPECT_TRUE(_deleted.empty());
 }
 
 TEST_F(Pool, StreamBuffersGoAtOnceOthersWaitForReleaseFreedMemory) {
-    Handle const stream = Get(500, StreamDraw);
-    Handle const kept = Get(300, StaticDraw);
-    Handle const dynamic = Get(200, DynamicDraw);
+    Handle const stream = Get(500, StreamDraw), kept = Get(300, StaticDraw), dynamic = Get(200, DynamicDraw);
     Handle const inUse = Get(100, StaticDraw);
     EXPECT_EQ(_facade.gl.Calls("glBufferData").front().Int(3), GL_STREAM_DRAW);
 
     Free(stream);
-    EXPECT_TRUE(stream.expired());
-    EXPECT_EQ(_deleted, std::vector<GLuint>{1});
-    ExpectStats(Statistics(), 600, 600, 0);
-
-    Free(kept);
-    Free(dynamic);
+    EXPECT_TRUE(stream.expired() && _deleted == Names{1});
+    EXPECT_EQ(Statistics(), (Bytes{600, 600, 0}));
+    Free(kept), Free(dynamic);
     EXPECT_EQ(_deleted.size(), 1u);
-    ExpectStats(Statistics(), 600, 100, 500);
+    EXPECT_EQ(Statistics(), (Bytes{600, 100, 500}));
+    {
+        // Freeing what is not in use is reported and changes nothing.
+        Debug::CaptureScope capture;
+        Free(kept);
+        EXPECT_EQ(Assertions(capture), (Strings{"\"it != _used.end() && \"Memory to free not found in used list!\"\" - void "
+                                                "Tev::Chart::Ogl::BufferPool::FreeBufferData(const "
+                                                "boost::weak_ptr<Tev::Chart::Ogl::BufferData>&)"}));
+        EXPECT_EQ(Statistics(), (Bytes{600, 100, 500}));
+    }
 
     _pool->ReleaseFreedMemory();
-    std::sort(_deleted.begin(), _deleted.end());
-    EXPECT_EQ(_deleted, (std::vector<GLuint>{1, 2, 3}));
-    ExpectStats(Statistics(), 100, 100, 0);
+    EXPECT_EQ(Deleted(), (Names{1, 2, 3}));
+    EXPECT_EQ(Statistics(), (Bytes{100, 100, 0}));
     EXPECT_FALSE(inUse.expired());
-}
-
-TEST_F(Pool, FreeingWhatIsNotInUseIsReportedAndChangesNothing) {
-    Handle const h = Get(10, StaticDraw);
-    Free(h);
-    Debug::CaptureScope capture;
-    Free(h);
-    EXPECT_TRUE(::Tev::Test::HasAssertion(capture, "it != _used.end() && \"Memory to free not found in used list!\""));
-    ExpectStats(Statistics(), 10, 0, 10);
-    EXPECT_EQ(::Tev::Test::Assertions(capture).size(), 1u);
 }
 
 TEST_F(Pool, UsageTokensAndTheirChecks) {
@@ -143,100 +138,87 @@ TEST_F(Pool, UsageTokensAndTheirChecks) {
         for (int n = 0; n < 4; ++n)
             EXPECT_EQ(Access::UsageToken(BufferUsage(BufferUsage::Frequency(f), BufferUsage::Nature(n))),
                       expected[f * 4 + n]);
-    EXPECT_EQ(::Tev::Test::Assertions(capture).size(), 3u);
-    EXPECT_TRUE(::Tev::Test::HasAssertion(capture, "token != Tokens::TGL_NONE"));
+    EXPECT_EQ(Assertions(capture).size(), 3u);
+    EXPECT_TRUE(HasAssertion(capture, "token != Tokens::TGL_NONE"));
 
     capture.Sink().Clear();
     EXPECT_EQ(Access::UsageToken(BufferUsage(BufferUsage::Frequency(3), BufferUsage::Draw)), 0u);
-    auto const failures = ::Tev::Test::Assertions(capture);
+    auto const failures = Assertions(capture);
     ASSERT_EQ(failures.size(), 1u);
     EXPECT_TRUE(failures[0].starts_with("\"0 <= index < tokenLookup.size()\" - ")) << failures[0];
 }
 
-TEST_F(Pool, MappingBindsMapsAndUnbindsAndChecksItsWindow) {
+TEST_F(Pool, MappingBindsMapsAndUnbindsAndChecksItsWindowAndItsPointer) {
     Handle const h = Get(40, StaticDraw);
     unsigned const name = Name(h);
-    unsigned const writeInvalidate = Internal::AccessPermission<2>::Permission(BufferMapWriteSync::InvalidateBuffer);
-    _facade.gl.ClearCalls();
     Debug::CaptureScope capture;
-    void* const memory = Access::Map(*_pool, h, 2, 8, 4, writeInvalidate, GL_ARRAY_BUFFER);
+    Access::Unmap(*_pool, g_mapped, name, GL_ARRAY_BUFFER);
+    EXPECT_TRUE(HasAssertion(capture, "it != _mappings.end() && \"Trying to unmap not mapped memory!\""));
+
+    capture.Sink().Clear();
+    _facade.gl.ClearCalls();
+    void* const memory = Access::Map(*_pool, h, 2, 8, 4, WriteInvalidate, GL_ARRAY_BUFFER);
     EXPECT_EQ(memory, g_mapped);
     EXPECT_EQ(Calls(), (Strings{"glBindBuffer(34962, 1)", "glMapBufferRange(34962, 8, 32, 10)", "glBindBuffer(34962, 0)"}));
     EXPECT_TRUE(Access::IsMapped(*_pool, name));
-    Access::Map(*_pool, h, 0, 1, 4, writeInvalidate, GL_ARRAY_BUFFER);
-    EXPECT_EQ(::Tev::Test::Assertions(capture).size(), 1u);
-    EXPECT_TRUE(::Tev::Test::Assertions(capture).at(0).starts_with(
+    Access::Map(*_pool, h, 0, 1, 4, WriteInvalidate, GL_ARRAY_BUFFER);
+    ASSERT_EQ(Assertions(capture).size(), 1u);
+    EXPECT_TRUE(Assertions(capture)[0].starts_with(
         "\"it == _mappings.end() && \"Buffer is already mapped!\"\" - void* Tev::Chart::Ogl::BufferPool::MapMemory("));
-
     _facade.gl.ClearCalls();
     capture.Sink().Clear();
     Access::Unmap(*_pool, memory, name, GL_ARRAY_BUFFER);
     EXPECT_EQ(Calls(), (Strings{"glBindBuffer(34962, 1)", "glUnmapBuffer(34962)", "glBindBuffer(34962, 0)"}));
     EXPECT_FALSE(Access::IsMapped(*_pool, name));
-    EXPECT_TRUE(::Tev::Test::Assertions(capture).empty());
+    EXPECT_TRUE(Assertions(capture).empty());
 
     // Windows (first, count, stride 4) against the 40 bytes; one may end at
-    // the buffer's end.
+    // the buffer's end. A wrong pointer is reported and the unmap done.
     struct Row {
         std::uint64_t first, count;
+        void* unmapped;
         Strings failures;
     } const rows[] = {
-        {0, 0, {"length != 0 && \"Array mapping lenght is zero!\""}},
-        {10, 1, {"offset < dataPtr->_bytes && \"Array mapping offset out of bounds!\"",
-                 "(offset + length) <= dataPtr->_bytes && \"Array mapping window out of bounds!\""}},
-        {8, 2, {}},
+        {0, 0, g_mapped, {"length != 0 && \"Array mapping lenght is zero!\""}},
+        {10, 1, g_mapped, {"offset < dataPtr->_bytes && \"Array mapping offset out of bounds!\"",
+                           "(offset + length) <= dataPtr->_bytes && \"Array mapping window out of bounds!\""}},
+        {8, 2, g_mapped, {}},
+        {0, 1, g_mapped + 1, {"mapping.memory == p_memory && \"Mapping memory pointer mismatch!\""}},
     };
     for (Row const& row : rows) {
         capture.Sink().Clear();
-        Access::Map(*_pool, h, row.first, row.count, 4, writeInvalidate, GL_ARRAY_BUFFER);
-        EXPECT_EQ(::Tev::Test::Assertions(capture).size(), row.failures.size()) << row.first;
-        for (auto const& failure : row.failures) EXPECT_TRUE(::Tev::Test::HasAssertion(capture, failure)) << failure;
-        Access::Unmap(*_pool, memory, name, GL_ARRAY_BUFFER);
+        _facade.gl.ClearCalls();
+        Access::Map(*_pool, h, row.first, row.count, 4, WriteInvalidate, GL_ARRAY_BUFFER);
+        Access::Unmap(*_pool, row.unmapped, name, GL_ARRAY_BUFFER);
+        EXPECT_EQ(Assertions(capture).size(), row.failures.size()) << row.first;
+        for (auto const& failure : row.failures) EXPECT_TRUE(HasAssertion(capture, failure)) << failure;
+        EXPECT_TRUE(_facade.gl.Calls("glUnmapBuffer").size() == 1u && !Access::IsMapped(*_pool, name)) << row.first;
     }
-}
 
-TEST_F(Pool, UnmappingChecksWhatWasMapped) {
-    Handle const h = Get(16, StaticDraw);
-    unsigned const name = Name(h);
-    Debug::CaptureScope capture;
-    Access::Unmap(*_pool, g_mapped, name, GL_ARRAY_BUFFER);
-    EXPECT_TRUE(::Tev::Test::HasAssertion(capture, "it != _mappings.end() && \"Trying to unmap not mapped memory!\""));
-
-    Access::Map(*_pool, h, 0, 16, 1, GL_MAP_WRITE_BIT, GL_ARRAY_BUFFER);
-    capture.Sink().Clear();
-    _facade.gl.ClearCalls();
-    Access::Unmap(*_pool, g_mapped + 1, name, GL_ARRAY_BUFFER);
-    EXPECT_TRUE(::Tev::Test::HasAssertion(capture, "mapping.memory == p_memory && \"Mapping memory pointer mismatch!\""));
-    EXPECT_EQ(_facade.gl.Calls("glUnmapBuffer").size(), 1u) << "the unmap still happens";
-    EXPECT_FALSE(Access::IsMapped(*_pool, name));
-
-    _facade.gl.On("glMapBufferRange", [](::Tev::Test::FakeCall const&) -> ::Tev::Test::FakeResult {
-        return static_cast<void const*>(nullptr);
-    });
+    _facade.gl.On("glMapBufferRange", [](FakeCall const&) -> FakeResult { return static_cast<void const*>(nullptr); });
     capture.Sink().Clear();
     EXPECT_EQ(Access::Map(*_pool, h, 0, 16, 1, GL_MAP_WRITE_BIT, GL_ARRAY_BUFFER), nullptr);
-    EXPECT_TRUE(::Tev::Test::HasAssertion(capture, "ptr != NULL && \"OpenGL buffer mapping returned NULL!!!\""));
+    EXPECT_TRUE(HasAssertion(capture, "ptr != NULL && \"OpenGL buffer mapping returned NULL!!!\""));
     EXPECT_TRUE(Access::IsMapped(*_pool, name));
 }
 
 TEST(BufferMapAccess, BitsPerAccessKindAndFlag) {
     using Sync = BufferMapWriteSync;
+    using Write = Internal::AccessPermission<2>;
+    using ReadWrite = Internal::AccessPermission<1>;
     Debug::CaptureScope capture;
-    EXPECT_EQ((std::vector<unsigned>{Internal::AccessPermission<2>::Permission(Sync::Default),
-                                     Internal::AccessPermission<2>::Permission(Sync::InvalidateRange),
-                                     Internal::AccessPermission<2>::Permission(Sync::InvalidateBuffer),
-                                     Internal::AccessPermission<1>::Permission(Sync::Default)}),
+    EXPECT_EQ((std::vector<unsigned>{Write::Permission(Sync::Default), Write::Permission(Sync::InvalidateRange),
+                                     Write::Permission(Sync::InvalidateBuffer), ReadWrite::Permission(Sync::Default)}),
               (std::vector<unsigned>{0x02, 0x06, 0x0A, 0x03}));
-    EXPECT_TRUE(::Tev::Test::Assertions(capture).empty());
-    EXPECT_EQ(Internal::AccessPermission<1>::Permission(Sync::InvalidateBuffer), 0x03u);
-    EXPECT_TRUE(::Tev::Test::HasAssertion(
-        capture, "p_access == BufferMapWriteSync::Default && \"ReadWrite buffers only support default flushing\""));
+    EXPECT_TRUE(Assertions(capture).empty());
+    EXPECT_EQ(ReadWrite::Permission(Sync::InvalidateBuffer), 0x03u);
+    EXPECT_TRUE(HasAssertion(capture, "p_access == BufferMapWriteSync::Default && \"ReadWrite buffers only support default flushing\""));
 }
 
 TEST_F(Pool, CopiesBindBothTargetsAndReportAMissingFeature) {
     Debug::CaptureScope capture;
     Access::Copy(*_pool, 4, 5, 16, 32, 64);
-    EXPECT_TRUE(::Tev::Test::HasAssertion(capture, "_hasGpuCopyBuffer"));
+    EXPECT_TRUE(HasAssertion(capture, "_hasGpuCopyBuffer"));
     EXPECT_EQ(Calls(), (Strings{"glBindBuffer(36662, 4)", "glBindBuffer(36663, 5)",
                                 "glCopyBufferSubData(36662, 36663, 16, 32, 64)", "glBindBuffer(36662, 0)",
                                 "glBindBuffer(36663, 0)"}));
@@ -253,16 +235,14 @@ TEST_F(Pool, EveryBufferIsDeletedWhenThePoolGoes) {
     Debug::CaptureScope capture;
     fill(*_pool);
     _pool.reset();
-    std::sort(_deleted.begin(), _deleted.end());
-    EXPECT_EQ(_deleted, (std::vector<GLuint>{1, 2, 3, 4}));
+    EXPECT_EQ(Deleted(), (Names{1, 2, 3, 4}));
 
     _deleted.clear();
     auto* const neverLive = new BufferPool(_apiLifetime.Ref<const OglApi>(_facade.api));
     fill(*neverLive);
     delete neverLive;
-    std::sort(_deleted.begin(), _deleted.end());
-    EXPECT_EQ(_deleted, (std::vector<GLuint>{5, 6, 7, 8}));
-    EXPECT_TRUE(::Tev::Test::Assertions(capture).empty());
+    EXPECT_EQ(Deleted(), (Names{5, 6, 7, 8}));
+    EXPECT_TRUE(Assertions(capture).empty());
 }
 
 TEST_F(Pool, TheFacadeEndingFirstReleasesEverythingButWhatAClientHolds) {
@@ -273,17 +253,16 @@ TEST_F(Pool, TheFacadeEndingFirstReleasesEverythingButWhatAClientHolds) {
     {
         auto const locked = held.lock();
         _facadeLifetime.Expire();
-        std::sort(_deleted.begin(), _deleted.end());
-        EXPECT_EQ(_deleted, (std::vector<GLuint>{1, 3}));
-        EXPECT_TRUE(::Tev::Test::HasAssertion(capture, "_data.empty() && \"All memory should be released by now!\""));
+        EXPECT_EQ(Deleted(), (Names{1, 3}));
+        EXPECT_TRUE(HasAssertion(capture, "_data.empty() && \"All memory should be released by now!\""));
         EXPECT_FALSE(_pool->IsValid());
     }
     EXPECT_EQ(_deleted.size(), 3u) << "the last lock going deletes the held buffer";
 
     // The total is left as it stood, so the statistics no longer add up.
     capture.Sink().Clear();
-    ExpectStats(Statistics(), 60, 0, 0);
-    EXPECT_TRUE(::Tev::Test::HasAssertion(capture, "(freed + used) == _totalMemory && \"Memory statistics mismatch!\""));
+    EXPECT_EQ(Statistics(), (Bytes{60, 0, 0}));
+    EXPECT_TRUE(HasAssertion(capture, "(freed + used) == _totalMemory && \"Memory statistics mismatch!\""));
 }
 
 }  // namespace
