@@ -9,6 +9,7 @@
 #include <gtest/gtest.h>
 
 #include "support/XDisplayGuard.h"
+#include "support/XServerTest.h"
 
 #include <thread>
 
@@ -53,6 +54,7 @@ struct Renderer {
 TEST(SideBySide, GlxAndOSMesaRenderOnTwoThreadsAtOnceThenAlternateOnOne) {
     DisplayHnd const display = GetRootDisplayHnd();
     TEVOGL_SKIP_WITHOUT_DISPLAY(display);
+    KeepSystemDriverLoaded();
     Debug::CaptureScope capture;
     Renderer glx{DeviceContext(display, nullptr, Offscreen(DeviceFormatRequest::Hardware)), nullptr};
     Renderer osmesa{DeviceContext(DisplayHnd::OSMesaDisplay, nullptr, Offscreen(DeviceFormatRequest::Software)),

@@ -61,12 +61,14 @@ protected:
         return {stats.totalMemory, stats.usedMemory, stats.freedMemory};
     }
 
+    // Declared before the pool, which deletes its buffers through the fake
+    // when it goes: the fake's handlers record into them.
+    GLuint _generated = 0;
+    Names _deleted;
     ::Tev::Test::FakeFacade _facade;
     Utility::Lifetime _apiLifetime;
     Utility::Lifetime _facadeLifetime;
     boost::shared_ptr<BufferPool> _pool;
-    GLuint _generated = 0;
-    Names _deleted;
 };
 
 using Bytes = std::vector<std::uint64_t>;

@@ -7,9 +7,18 @@ namespace Tev::Test {
 
 using namespace Chart::Ogl;
 
+void KeepSystemDriverLoaded() {
+    // Held by statics and never destroyed, on purpose.
+    static DisplayHnd* const display = new DisplayHnd(GetRootDisplayHnd());
+    static OsApi* const system = *display ? new OsApi(ApiSystem, *display) : nullptr;
+    static bool const loaded = system && system->DescribePixelFormat(display->Handle(), 1, 0, nullptr) > 0;
+    (void)loaded;
+}
+
 void XServerTest::SetUp() {
     _display = GetRootDisplayHnd();
     TEVOGL_SKIP_WITHOUT_DISPLAY(_display);
+    KeepSystemDriverLoaded();
     _system = std::make_unique<OsApi>(ApiSystem, _display);
 }
 

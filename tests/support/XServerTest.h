@@ -12,6 +12,13 @@
 
 namespace Tev::Test {
 
+// Opens one more connection to the X server and lists its GL configs on it,
+// never to close it: the system GL driver then stays loaded for the life of
+// the test process. LeakSanitizer can then name the driver's own one-time
+// allocations (suppressed in tests/lsan.supp) instead of reporting them
+// from a module that is gone. Does nothing without a server.
+void KeepSystemDriverLoaded();
+
 class XServerTest : public ::testing::Test {
 protected:
     using Descriptor = Chart::Ogl::PixelFormatDescriptor;
