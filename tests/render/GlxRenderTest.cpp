@@ -161,6 +161,24 @@ TEST_F(Glx, PbuffersOfUnsafeFormatsRenderOnTheirSafeEquivalents) {
     EXPECT_TRUE(capture.Texts(Channel::Error).empty()) << capture.Texts(Channel::Error).front();
 }
 
+// The server is asked whether a bind worked only the first time a context
+// binds to a drawable: a round trip per bind would cost as much as a frame.
+TEST_F(Glx, OnlyTheFirstBindOfAContextToADrawableWaitsForTheServer) {
+    int const id = FindFormat(Pfd::DoubleBuffer, Pfd::GenericFormat, -1);
+    ASSERT_GT(id, 0);
+    DeviceGLX const device(*_system, Size, Size, _display.Handle(), FormatOf(id));
+    ContextGL context(device, *_system, DeviceFormatRequest{});
+    auto const requestsToBindAndRelease = [&] {
+        unsigned long const before = NextRequest(X());
+        context.MakeCurrent(device);
+        context.DoneCurrent();
+        return NextRequest(X()) - before;
+    };
+    EXPECT_GT(requestsToBindAndRelease(), 0u);
+    EXPECT_EQ(requestsToBindAndRelease(), 0u);
+    EXPECT_EQ(Frames::DrawAndCheck(context, device, ApiSystem, GL_BACK), "");
+}
+
 bool DrawableExists(::Display* p_display, Drawable p_drawable) {
     static bool failed;
     failed = false;

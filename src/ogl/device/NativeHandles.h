@@ -36,6 +36,9 @@ struct NativeDevice {
     // GLX: the config the drawable was made with when it differs from the
     // one of pixelFormat (a pbuffer on a substituted config); null otherwise.
     void* glxConfig = nullptr;
+    // GLX: the context last bound to the drawable with the server's
+    // confirmation; binding it again needs no round trip.
+    void* verifiedContext = nullptr;
 
     // Mesa window emulation: the 32-bit BGRA pixels the OSMesa context
     // renders into, top row first like an X image, resized to the window

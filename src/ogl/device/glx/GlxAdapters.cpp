@@ -12,6 +12,7 @@
 #include "ogl/device/glx/XErrorTrap.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <cstring>
 #include <vector>
 
@@ -26,6 +27,7 @@ GlxFunctions const& Glx() { return GlxFunctions::Get(); }
 struct CurrentBinding {
     NativeContext* record = nullptr;
     GLXContext handle = nullptr;
+    bool verified = false;  // bound to a drawable it had been checked on
 };
 thread_local CurrentBinding current;
 
@@ -152,8 +154,10 @@ bool IsCurrentHere(NativeContext const* p_context) {
 }
 
 int Release(Display* p_display) {
+    bool const verified = current.verified;
     current = {};
     if (!p_display) return 1;
+    if (verified) return Glx().MakeContextCurrent(p_display, None, None, nullptr);
     XErrorTrap trap(p_display);
     Bool const released = Glx().MakeContextCurrent(p_display, None, None, nullptr);
     return released && !trap.Failed("glXMakeContextCurrent");
@@ -173,6 +177,23 @@ ContextHandle GetCurrentContext() {
     return current.handle && Glx().GetCurrentContext() == current.handle ? current.record : nullptr;
 }
 
+// Named optimisation "verified-binding": the server is asked whether a bind
+// and its release worked (a round trip each, together about twice a small
+// frame on Xvfb) only the first time a context binds to a drawable. Binding
+// the same pair again can fail only if the drawable was destroyed under its
+// device, a misuse that a plain GLX program dies of as well. Set
+// TEVOGL_CHECK_EVERY_BIND to ask the server every time.
+bool CheckEveryBind() {
+    static bool const every = std::getenv("TEVOGL_CHECK_EVERY_BIND") != nullptr;
+    return every;
+}
+
+int BindVerified(NativeDevice const& p_device, NativeContext* p_context, GLXContext p_handle) {
+    if (!Glx().MakeContextCurrent(p_device.display, p_device.glxDrawable, p_device.glxDrawable, p_handle)) return 0;
+    current = {p_context, p_handle, true};
+    return 1;
+}
+
 int MakeCurrent(DeviceHandle p_device, ContextHandle p_context) {
     if (!p_context) {
         Display* const bound = Glx().GetCurrentDisplay();
@@ -180,11 +201,13 @@ int MakeCurrent(DeviceHandle p_device, ContextHandle p_context) {
     }
     if (!p_device || !p_device->glxDrawable || p_device->pixelFormat != p_context->pixelFormat) return 0;
     GLXContext const handle = static_cast<GLXContext>(p_context->handle);
+    if (p_device->verifiedContext == handle && !CheckEveryBind()) return BindVerified(*p_device, p_context, handle);
     XErrorTrap trap(p_device->display);
     Bool const bound =
         Glx().MakeContextCurrent(p_device->display, p_device->glxDrawable, p_device->glxDrawable, handle);
     if (!bound || trap.Failed("glXMakeContextCurrent")) return 0;
-    current = {p_context, handle};
+    p_device->verifiedContext = handle;
+    current = {p_context, handle, false};
     return 1;
 }
 

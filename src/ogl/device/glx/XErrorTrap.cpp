@@ -10,19 +10,22 @@ XErrorTrap* innermost = nullptr;
 }  // namespace
 
 XErrorTrap::XErrorTrap(Display* p_display) : _lock(trapMutex), _display(p_display), _outer(innermost) {
-    if (_display) XSync(_display, False);
+    if (_display) _firstSerial = NextRequest(_display);
     _previous = XSetErrorHandler(&XErrorTrap::Handle);
     innermost = this;
 }
 
 XErrorTrap::~XErrorTrap() {
-    if (_display) XSync(_display, False);
+    if (_display && NextRequest(_display) != _syncedSerial) XSync(_display, False);
     innermost = _outer;
     XSetErrorHandler(_previous);
 }
 
 bool XErrorTrap::Failed(char const* p_call) {
-    if (_display) XSync(_display, False);
+    if (_display) {
+        XSync(_display, False);
+        _syncedSerial = NextRequest(_display);
+    }
     if (_errorCode == 0) return false;
     Debug::derr() << "WARNING: X error " << _errorCode << " (" << _errorText << ") in " << p_call;
     return true;
@@ -32,7 +35,8 @@ bool XErrorTrap::Failed(char const* p_call) {
 // installed before the trap.
 int XErrorTrap::Handle(Display* p_display, XErrorEvent* p_event) {
     XErrorTrap* const trap = innermost;
-    if (!trap || trap->_display != p_display) return trap && trap->_previous ? trap->_previous(p_display, p_event) : 0;
+    bool const ours = trap && trap->_display == p_display && p_event->serial >= trap->_firstSerial;
+    if (!ours) return trap && trap->_previous ? trap->_previous(p_display, p_event) : 0;
     if (trap->_errorCode == 0) {
         char text[256] = {};
         XGetErrorText(p_display, p_event->error_code, text, sizeof text);

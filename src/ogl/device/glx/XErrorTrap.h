@@ -13,16 +13,17 @@ namespace Tev::Chart::Ogl::Detail {
 
 class XErrorTrap {
 public:
-    // Flushes what was queued before, so that earlier errors are not taken
-    // for this stretch's.
+    // Only errors of requests made from here on are this trap's: earlier
+    // ones (told apart by their serial numbers) go to the handler that was
+    // in place, so the trap needs no round trip to the server to start.
     explicit XErrorTrap(Display* p_display);
     XErrorTrap(XErrorTrap const&) = delete;
     XErrorTrap& operator=(XErrorTrap const&) = delete;
     ~XErrorTrap();
 
-    // Waits for the server and tells whether any request since the trap
-    // was set failed. The first failure is logged as a warning naming
-    // p_call.
+    // Waits for the server (one round trip) and tells whether any request
+    // since the trap was set failed. The first failure is logged as a
+    // warning naming p_call.
     bool Failed(char const* p_call);
     int ErrorCode() const { return _errorCode; }
 
@@ -35,6 +36,10 @@ private:
     Display* _display;
     XErrorTrap* _outer;
     int (*_previous)(Display*, XErrorEvent*) = nullptr;
+    unsigned long _firstSerial = 0;
+    // The next request's serial when the server was last waited for: the
+    // destructor waits again only when requests were made since.
+    unsigned long _syncedSerial = 0;
     int _errorCode = 0;
     std::string _errorText;
 };
