@@ -1,6 +1,8 @@
 // A context that lives in a static is released by the exit handlers, after
 // the main thread's thread_local objects are gone; releasing it then must
-// not touch them.
+// not touch them. The sanitizer build catches any such use for certain; the
+// plain one when the freed memory has been reused (it aborted a benchmark
+// program at exit).
 #include "ogl/device/osmesa/ContextOSMesa.h"
 #include "ogl/device/osmesa/DeviceOSMesa.h"
 
