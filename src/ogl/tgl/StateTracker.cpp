@@ -100,6 +100,11 @@ StateTracker::StateTracker(OglApi const& p_gl, int p_lights, int p_textureUnits,
     _values.colorMaterialMode = Tokens::TGL_AMBIENT_AND_DIFFUSE;
     _values.color = White;
     _values.normal = {0.0, 0.0, 1.0};
+    // The entry table has no light entries; a driver that cannot name them
+    // gets its lights through the shader route only. A table without a
+    // lookup (a test double) has nothing to report.
+    if (p_gl.ProcAddress)
+        ensure(_lightfv && _lightModelfv && "Fixed-function lights need glLightfv and glLightModelfv");
 }
 
 void StateTracker::SetLight(int p_light, unsigned p_param, float const* p_values, int p_count) {
