@@ -1,10 +1,13 @@
 // Fetching one window-system function of an implementation: logged, and
-// fatal for the table when missing.
+// fatal for the table when missing; and the process-wide home of the
+// functions a table's adapters call.
 #pragma once
 
 #include "framework/debug/Debug.h"
 #include "ogl/api/ApiExceptions.h"
 #include "ogl/api/GlImplementation.h"
+
+#include <atomic>
 
 namespace Tev::Chart::Ogl::Detail {
 
@@ -17,5 +20,32 @@ Fn FetchWindowSystemEntry(GlImplementation const& p_impl, char const* p_symbol) 
     if (!address) throw OSApiIncomplete(p_symbol, ApiFailure::MissingWindowSystem);
     return reinterpret_cast<Fn>(address);
 }
+
+// The same, into a table's member.
+template <typename Fn>
+void FetchWindowSystemEntry(GlImplementation const& p_impl, Fn& p_member, char const* p_symbol) {
+    p_member = FetchWindowSystemEntry<Fn>(p_impl, p_symbol);
+}
+
+// The functions that a window-system table's adapters call. The adapters are
+// plain functions behind the table, so the functions live here, published
+// once per process and never freed: adapters may run on any thread for as
+// long as the process has contexts, and a swap under their feet would race.
+// Later tables fetch from the same library, so the first one stays.
+template <typename Functions>
+class ProcessFunctions {
+public:
+    static void Publish(Functions const& p_functions) {
+        if (_published.load()) return;
+        auto const* fresh = new Functions(p_functions);
+        Functions const* expected = nullptr;
+        if (!_published.compare_exchange_strong(expected, fresh)) delete fresh;
+    }
+    // Only for code reached through a table, which published them.
+    static Functions const& Get() { return *_published.load(); }
+
+private:
+    static inline std::atomic<Functions const*> _published{nullptr};
+};
 
 }  // namespace Tev::Chart::Ogl::Detail

@@ -4,11 +4,11 @@
 // beside it.
 #pragma once
 
+#include "ogl/device/WindowSystemEntry.h"
+
 #include <GL/glx.h>
 
 namespace Tev::Chart::Ogl::Detail {
-
-class GlImplementation;
 
 struct GlxFunctions {
     decltype(&::glXGetProcAddressARB) GetProcAddress = nullptr;
@@ -29,12 +29,9 @@ struct GlxFunctions {
     // address". Throws OSApiIncomplete naming the first missing one.
     explicit GlxFunctions(GlImplementation const& p_impl);
 
-    // Makes p_functions the table of the process (the first one published
-    // stays; later ones come from the same library and are equal).
-    static void Publish(GlxFunctions const& p_functions);
-    // The published table. Only called by code that is reached through a
-    // system OsApi, which publishes it on construction.
-    static GlxFunctions const& Get();
+    // The process's functions, published by every system OsApi.
+    static void Publish(GlxFunctions const& p_functions) { ProcessFunctions<GlxFunctions>::Publish(p_functions); }
+    static GlxFunctions const& Get() { return ProcessFunctions<GlxFunctions>::Get(); }
 };
 
 }  // namespace Tev::Chart::Ogl::Detail

@@ -13,7 +13,6 @@
 #include <X11/Xlib.h>
 #include <X11/Xutil.h>
 
-#include <atomic>
 
 namespace Tev::Chart::Ogl {
 
@@ -22,42 +21,30 @@ namespace {
 using Detail::NativeContext;
 using Detail::NativeDevice;
 
-// The OSMesa functions the adapters call. The adapters are plain functions
-// behind the table, so the pointers live here, published once per process:
-// the Mesa implementation is process-wide, every table fetches the same.
+// The OSMesa functions the adapters call, published once per process.
 struct MesaWindowFunctions {
     using Context = void*;
-    Context (*createContextExt)(GLenum, GLint, GLint, GLint, Context);
-    void (*destroyContext)(Context);
-    GLboolean (*makeCurrent)(Context, void*, GLenum, GLsizei, GLsizei);
-    void (*pixelStore)(GLint, GLint);
-    void (*finish)();
+    Context (*createContextExt)(GLenum, GLint, GLint, GLint, Context) = nullptr;
+    void (*destroyContext)(Context) = nullptr;
+    GLboolean (*makeCurrent)(Context, void*, GLenum, GLsizei, GLsizei) = nullptr;
+    void (*pixelStore)(GLint, GLint) = nullptr;
+    void (*finish)() = nullptr;
 
-    explicit MesaWindowFunctions(Detail::GlImplementation const& p_impl)
-        : createContextExt(Fetch<decltype(createContextExt)>(p_impl, "OSMesaCreateContextExt")),
-          destroyContext(Fetch<decltype(destroyContext)>(p_impl, "OSMesaDestroyContext")),
-          makeCurrent(Fetch<decltype(makeCurrent)>(p_impl, "OSMesaMakeCurrent")),
-          pixelStore(Fetch<decltype(pixelStore)>(p_impl, "OSMesaPixelStore")),
-          finish(Fetch<decltype(finish)>(p_impl, "glFinish")) {}
-
-    template <typename Fn>
-    static Fn Fetch(Detail::GlImplementation const& p_impl, char const* p_symbol) {
-        return Detail::FetchWindowSystemEntry<Fn>(p_impl, p_symbol);
+    explicit MesaWindowFunctions(Detail::GlImplementation const& p_impl) {
+        Detail::FetchWindowSystemEntry(p_impl, createContextExt, "OSMesaCreateContextExt");
+        Detail::FetchWindowSystemEntry(p_impl, destroyContext, "OSMesaDestroyContext");
+        Detail::FetchWindowSystemEntry(p_impl, makeCurrent, "OSMesaMakeCurrent");
+        Detail::FetchWindowSystemEntry(p_impl, pixelStore, "OSMesaPixelStore");
+        Detail::FetchWindowSystemEntry(p_impl, finish, "glFinish");
     }
 };
 
-std::atomic<MesaWindowFunctions const*> published{nullptr};
-
-void Publish(MesaWindowFunctions const& p_functions) {
-    MesaWindowFunctions const* expected = nullptr;
-    auto* const copy = new MesaWindowFunctions(p_functions);
-    if (!published.compare_exchange_strong(expected, copy)) delete copy;
-}
+using Published = Detail::ProcessFunctions<MesaWindowFunctions>;
 
 // Only reached through a table, so after Publish.
 MesaWindowFunctions const& Mesa() {
     Detail::GlImplementation::Mesa().PrepareThread();
-    return *published.load();
+    return Published::Get();
 }
 
 // What wglGetCurrentContext and wglGetCurrentDC know of the calling thread.
@@ -197,7 +184,7 @@ OsApi::OsApi(ApiMesaType, DisplayHnd const&) {
     OsVersion = Detail::OsVersionDump(Detail::QueryOsRelease());
     Detail::GlImplementation const& impl = Detail::GlImplementation::Mesa();
     GetProcAddress = Detail::FetchWindowSystemEntry<GetProcAddressFn>(impl, "OSMesaGetProcAddress");
-    Publish(MesaWindowFunctions(impl));
+    Published::Publish(MesaWindowFunctions(impl));
     SetPixelFormat = &Ogl::SetPixelFormat;
     GetPixelFormat = &Ogl::GetPixelFormat;
     SwapBuffers = &Ogl::SwapBuffers;
