@@ -3,6 +3,7 @@
 #include "framework/debug/Debug.h"
 #include "ogl/api/OglApi.h"
 #include "ogl/api/Tokens.h"
+#include "ogl/tgl/ColorComponents.h"
 
 #include <algorithm>
 #include <iomanip>
@@ -59,10 +60,6 @@ auto const* Find(Table const& p_table, unsigned p_token) {
     auto const found = std::find_if(std::begin(p_table), std::end(p_table),
                                     [&](Param const& p) { return *p.token == p_token; });
     return found == std::end(p_table) ? nullptr : &*found;
-}
-
-std::array<float, 4> ToFloats(QColor const& p_colour) {
-    return {float(p_colour.redF()), float(p_colour.greenF()), float(p_colour.blueF()), float(p_colour.alphaF())};
 }
 
 template <typename Range>
@@ -135,7 +132,7 @@ void StateTracker::SetMaterialFace(int p_face, Material const& p_material) {
     MaterialValues& values = _values.materials[p_face];
     for (MaterialParam const& param : MaterialParams) {
         if (param.colour)
-            std::copy_n(ToFloats(p_material.*param.colour).begin(), 4, values.begin() + param.offset);
+            std::copy_n(RgbaFloats(p_material.*param.colour).begin(), 4, values.begin() + param.offset);
         else
             values[param.offset] = p_material.shininess;
     }

@@ -5,18 +5,11 @@
 #include "framework/debug/Debug.h"
 #include "ogl/api/OglApi.h"
 #include "ogl/api/Tokens.h"
+#include "ogl/tgl/ColorComponents.h"
 #include "ogl/tgl/StateTracker.h"
 #include "ogl/tgl/TglHotEntries.h"
 
 namespace Tev::Chart::Ogl {
-
-namespace {
-
-std::array<float, 4> ToFloats(QColor const& p_color) {
-    return {float(p_color.redF()), float(p_color.greenF()), float(p_color.blueF()), float(p_color.alphaF())};
-}
-
-}  // namespace
 
 bool Tgl::LightIndexValid(unsigned p_light) const {
     int const lightCount = int(p_light) - int(Tokens::TGL_LIGHT0);
@@ -40,7 +33,7 @@ void Tgl::Light(unsigned p_light, unsigned p_param, Types::Vector4d const& p_val
 void Tgl::Light(unsigned p_light, unsigned p_param, QColor const& p_value) {
     LightIndexValid(p_light);
     ensure(p_param == Tokens::TGL_AMBIENT || p_param == Tokens::TGL_DIFFUSE || p_param == Tokens::TGL_SPECULAR);
-    _stateTracker->SetLight(int(p_light - Tokens::TGL_LIGHT0), p_param, ToFloats(p_value).data(), 4);
+    _stateTracker->SetLight(int(p_light - Tokens::TGL_LIGHT0), p_param, RgbaFloats(p_value).data(), 4);
 }
 
 void Tgl::Light(unsigned p_light, unsigned p_param, float p_value) {
@@ -73,7 +66,7 @@ void Tgl::Color(QColor const& p_color) {
     if (_inBeginEnd)
         _directMode.Color(p_color);
     else
-        _stateTracker->SetColor(ToFloats(p_color));
+        _stateTracker->SetColor(RgbaFloats(p_color));
 }
 
 void Tgl::Normal(Types::Vector3d const& p_normal) { Normal(p_normal.x, p_normal.y, p_normal.z); }

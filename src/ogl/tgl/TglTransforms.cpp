@@ -6,6 +6,7 @@
 #include "framework/types/Projection.h"
 #include "ogl/api/OglApi.h"
 #include "ogl/api/Tokens.h"
+#include "ogl/tgl/ColorComponents.h"
 #include "ogl/tgl/TglHotEntries.h"
 
 #include <algorithm>
@@ -137,7 +138,8 @@ void Tgl::BlendFunc(unsigned p_source, unsigned p_destination) { _hot->BlendFunc
 void Tgl::DepthMask(bool p_write) { _hot->DepthMask(p_write ? GLboolean(1) : GLboolean(0)); }
 
 void Tgl::ClearColor(QColor const& p_color) {
-    _hot->ClearColor(float(p_color.redF()), float(p_color.greenF()), float(p_color.blueF()), float(p_color.alphaF()));
+    std::array<float, 4> const rgba = RgbaFloats(p_color);
+    _hot->ClearColor(rgba[0], rgba[1], rgba[2], rgba[3]);
 }
 
 void Tgl::LineWidth(float p_width) {
