@@ -4,6 +4,7 @@
 #include "ogl/api/Tokens.h"
 
 #include <algorithm>
+#include <array>
 #include <cstring>
 
 namespace Tev::Chart::Ogl {
@@ -26,8 +27,10 @@ double Component(double const* p_components, int p_count, int p_index) {
 }
 
 template <typename V>
-void Components(V const& p_vector, double (&p_out)[4]) {
-    for (int i = 0; i < V::length(); ++i) p_out[i] = p_vector[i];
+std::array<double, 4> Components(V const& p_vector) {
+    std::array<double, 4> components{};
+    for (int i = 0; i < V::length(); ++i) components[std::size_t(i)] = p_vector[i];
+    return components;
 }
 
 std::uint64_t ElementSize(std::int32_t p_type) {
@@ -144,23 +147,11 @@ void OglDirectMode::MultiTexCoord(unsigned p_unit, double const* p_components, i
         sentry("");
 }
 
-void OglDirectMode::Vertex(Types::Vector2d const& p_vertex) {
-    double c[4];
-    Components(p_vertex, c);
-    AddVertex(c, 2);
-}
+void OglDirectMode::Vertex(Types::Vector2d const& p_vertex) { AddVertex(Components(p_vertex).data(), 2); }
 
-void OglDirectMode::Vertex(Types::Vector3d const& p_vertex) {
-    double c[4];
-    Components(p_vertex, c);
-    AddVertex(c, 3);
-}
+void OglDirectMode::Vertex(Types::Vector3d const& p_vertex) { AddVertex(Components(p_vertex).data(), 3); }
 
-void OglDirectMode::Vertex(Types::Vector4d const& p_vertex) {
-    double c[4];
-    Components(p_vertex, c);
-    AddVertex(c, 4);
-}
+void OglDirectMode::Vertex(Types::Vector4d const& p_vertex) { AddVertex(Components(p_vertex).data(), 4); }
 
 void OglDirectMode::Vertex(float p_x, float p_y) { Vertex(Types::Vector2d(p_x, p_y)); }
 
@@ -182,42 +173,24 @@ void OglDirectMode::TexCoord(double p_s) { StoreTexCoord(_setA, &p_s, 1); }
 
 void OglDirectMode::TexCoord(double p_s, double p_t) { TexCoord(Types::Vector2d(p_s, p_t)); }
 
-void OglDirectMode::TexCoord(Types::Vector2d const& p_coord) {
-    double c[4];
-    Components(p_coord, c);
-    StoreTexCoord(_setA, c, 2);
-}
+void OglDirectMode::TexCoord(Types::Vector2d const& p_coord) { StoreTexCoord(_setA, Components(p_coord).data(), 2); }
 
-void OglDirectMode::TexCoord(Types::Vector3d const& p_coord) {
-    double c[4];
-    Components(p_coord, c);
-    StoreTexCoord(_setA, c, 3);
-}
+void OglDirectMode::TexCoord(Types::Vector3d const& p_coord) { StoreTexCoord(_setA, Components(p_coord).data(), 3); }
 
-void OglDirectMode::TexCoord(Types::Vector4d const& p_coord) {
-    double c[4];
-    Components(p_coord, c);
-    StoreTexCoord(_setA, c, 4);
-}
+void OglDirectMode::TexCoord(Types::Vector4d const& p_coord) { StoreTexCoord(_setA, Components(p_coord).data(), 4); }
 
 void OglDirectMode::MultiTexCoord(unsigned p_unit, double p_s) { MultiTexCoord(p_unit, &p_s, 1); }
 
 void OglDirectMode::MultiTexCoord(unsigned p_unit, Types::Vector2d const& p_coord) {
-    double c[4];
-    Components(p_coord, c);
-    MultiTexCoord(p_unit, c, 2);
+    MultiTexCoord(p_unit, Components(p_coord).data(), 2);
 }
 
 void OglDirectMode::MultiTexCoord(unsigned p_unit, Types::Vector3d const& p_coord) {
-    double c[4];
-    Components(p_coord, c);
-    MultiTexCoord(p_unit, c, 3);
+    MultiTexCoord(p_unit, Components(p_coord).data(), 3);
 }
 
 void OglDirectMode::MultiTexCoord(unsigned p_unit, Types::Vector4d const& p_coord) {
-    double c[4];
-    Components(p_coord, c);
-    MultiTexCoord(p_unit, c, 4);
+    MultiTexCoord(p_unit, Components(p_coord).data(), 4);
 }
 
 void OglDirectMode::Pixel(Types::Vector2d const& p_pixel) {
@@ -231,14 +204,8 @@ boost::shared_array<char const> OglDirectMode::PackArray(Values const& p_values,
                                                          std::uint64_t p_elementSize, std::uint64_t p_count) {
     std::uint64_t const n = p_count * static_cast<std::uint64_t>(p_dims);
     boost::shared_array<char> bytes(new char[n * p_elementSize]);
-    if (p_elementSize == sizeof(float)) {
-        for (std::uint64_t i = 0; i < n; ++i) {
-            auto const value = static_cast<float>(p_values[i]);
-            std::memcpy(bytes.get() + i * sizeof(float), &value, sizeof(float));
-        }
-    } else if (ensure(p_elementSize == sizeof(double))) {
-        std::memcpy(bytes.get(), p_values.data(), n * sizeof(double));
-    }
+    // Values are collected as doubles and packed as they are.
+    if (ensure(p_elementSize == sizeof(double))) std::memcpy(bytes.get(), p_values.data(), n * sizeof(double));
     return bytes;
 }
 
