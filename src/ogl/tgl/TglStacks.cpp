@@ -4,13 +4,13 @@
 #include "framework/debug/Debug.h"
 #include "ogl/api/OglApi.h"
 #include "ogl/shaders/Program.h"
+#include "ogl/tgl/PixelRect.h"
 #include "ogl/tgl/StateTracker.h"
 #include "ogl/tgl/TglHotEntries.h"
 
 #include <boost/optional.hpp>
 
 #include <algorithm>
-#include <cmath>
 
 namespace Tev::Chart::Ogl {
 
@@ -83,11 +83,12 @@ void Tgl::Scissor(Types::Viewport const& p_rectangle) {
         width = std::min(p_rectangle.Right(), inForce.Right()) - x;
         height = std::min(p_rectangle.Top(), inForce.Top()) - y;
     }
-    if (!_scissorStack.empty()) _scissorStack.back() = Types::Viewport(x, y, width, height);
+    Types::Viewport const intersection(x, y, width, height);
+    if (!_scissorStack.empty()) _scissorStack.back() = intersection;
     // An empty intersection leaves the GL scissor as it was.
-    if (width > 0 && height > 0)
-        _hot->Scissor(GLint(std::floor(x)), GLint(std::floor(y)), GLsizei(std::ceil(width)),
-                      GLsizei(std::ceil(height)));
+    if (width <= 0 || height <= 0) return;
+    PixelRect const pixels = OutwardPixels(intersection);
+    _hot->Scissor(pixels.x, pixels.y, pixels.width, pixels.height);
 }
 
 namespace {

@@ -7,10 +7,10 @@
 #include "ogl/api/OglApi.h"
 #include "ogl/api/Tokens.h"
 #include "ogl/tgl/ColorComponents.h"
+#include "ogl/tgl/PixelRect.h"
 #include "ogl/tgl/TglHotEntries.h"
 
 #include <algorithm>
-#include <cmath>
 
 namespace Tev::Chart::Ogl {
 
@@ -116,8 +116,8 @@ void Tgl::Translate(Types::Vector3d const& p_offset) { _hot->Translated(p_offset
 // every pixel it touches.
 void Tgl::Viewport(Types::Viewport const& p_viewport) {
     ensure(p_viewport.width > 0 && p_viewport.height > 0);
-    _hot->Viewport(GLint(std::floor(p_viewport.x)), GLint(std::floor(p_viewport.y)),
-                   GLsizei(std::ceil(p_viewport.width)), GLsizei(std::ceil(p_viewport.height)));
+    PixelRect const pixels = OutwardPixels(p_viewport);
+    _hot->Viewport(pixels.x, pixels.y, pixels.width, pixels.height);
 }
 
 void Tgl::ClipPlane(unsigned p_plane, Types::Vector4d const& p_equation) {
