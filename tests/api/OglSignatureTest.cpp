@@ -1,201 +1,126 @@
-// Holds the entry-point list against the Khronos headers and registry: every
-// listed pointer type must be exactly the type of the function it is loaded
-// from, the argument names must forward the parameters, and the table must
-// keep its order and its loading kinds. A wrong signature fails to compile.
+// Holds the entry-point table against the Khronos headers and registry: each
+// member's type must be exactly the type of the function it is loaded from (a
+// mismatch fails to compile), its symbol and forwarded arguments must follow
+// its name and parameters, the table keeps its order, and only what OpenGL
+// 1.1 exports is bound directly.
 
-// The list is expanded first with nothing but the library's own GL types in
-// scope, so an entry that needs a type only the Khronos headers declare fails
-// here rather than in some client that happens to include <GL/gl.h>.
-#include "ogl/api/GlTypes.h"
+// The table is declared with nothing but the library's own GL types in scope,
+// so an entry that needs a type only the Khronos headers declare fails here;
+// including those headers afterwards proves that the two sets of typedefs
+// agree (a typedef naming a different type is a redefinition error).
+#include "ogl/api/OglApi.h"
 
-namespace ListOnly {
-#define TEV_OGL_ENTRY(Kind, Ret, Member, Symbol, Params, Args) using Member = Ret(TGL_APIENTRY*) Params;
-#include "ogl/api/OglEntries.inl"
-#undef TEV_OGL_ENTRY
-}  // namespace ListOnly
-
-// Including the Khronos headers after GlTypes.h also proves the two agree:
-// a typedef that names a different type is a redefinition error.
 #define GL_GLEXT_PROTOTYPES
 #include <GL/gl.h>
 #include <GL/glext.h>
 #include <GL/glu.h>
-
 #include <gtest/gtest.h>
 
 #include <fstream>
 #include <iterator>
+#include <map>
 #include <regex>
 #include <set>
 #include <string>
-#include <string_view>
-#include <type_traits>
 
-// Each entry's prototype is found as gl##Member. The members that do not
-// follow that rule get an alias here: a declaration of the same function
-// type, used only inside decltype, so nothing needs linking (and, outside
-// the anonymous namespace, nothing warns that it is never defined). The
-// symbol check below makes sure an alias cannot stand for another function
-// than the entry's symbol.
+// Each member's prototype is found as gl##Member; the members that do not
+// follow that rule get an alias of the same function type, used only inside
+// decltype. The symbol check below keeps an alias from standing for another
+// function than its entry's symbol.
 decltype(::glMemoryBarrier) glMemoryBarrierTGL;
-#define TGL_GLU_PROTOTYPE(Rest) decltype(::glu##Rest) glGlu##Rest;
-TGL_GLU_PROTOTYPE(Ortho2D) TGL_GLU_PROTOTYPE(PickMatrix) TGL_GLU_PROTOTYPE(Perspective)
-TGL_GLU_PROTOTYPE(Build2DMipmaps) TGL_GLU_PROTOTYPE(Cylinder) TGL_GLU_PROTOTYPE(DeleteQuadric)
-TGL_GLU_PROTOTYPE(DeleteTess) TGL_GLU_PROTOTYPE(Disk) TGL_GLU_PROTOTYPE(ErrorString) TGL_GLU_PROTOTYPE(NewQuadric)
-TGL_GLU_PROTOTYPE(NewTess) TGL_GLU_PROTOTYPE(PartialDisk) TGL_GLU_PROTOTYPE(QuadricDrawStyle)
-TGL_GLU_PROTOTYPE(QuadricNormals) TGL_GLU_PROTOTYPE(QuadricOrientation) TGL_GLU_PROTOTYPE(Sphere)
-TGL_GLU_PROTOTYPE(TessBeginContour) TGL_GLU_PROTOTYPE(TessBeginPolygon) TGL_GLU_PROTOTYPE(TessCallback)
-TGL_GLU_PROTOTYPE(TessEndContour) TGL_GLU_PROTOTYPE(TessEndPolygon) TGL_GLU_PROTOTYPE(TessNormal)
-TGL_GLU_PROTOTYPE(TessProperty) TGL_GLU_PROTOTYPE(TessVertex) TGL_GLU_PROTOTYPE(UnProject) TGL_GLU_PROTOTYPE(Project)
-#undef TGL_GLU_PROTOTYPE
+#define TGL_GLU(R) decltype(::glu##R) glGlu##R;
+TGL_GLU(Ortho2D) TGL_GLU(PickMatrix) TGL_GLU(Perspective) TGL_GLU(Build2DMipmaps) TGL_GLU(Cylinder) TGL_GLU(DeleteQuadric)
+TGL_GLU(DeleteTess) TGL_GLU(Disk) TGL_GLU(ErrorString) TGL_GLU(NewQuadric) TGL_GLU(NewTess) TGL_GLU(PartialDisk)
+TGL_GLU(QuadricDrawStyle) TGL_GLU(QuadricNormals) TGL_GLU(QuadricOrientation) TGL_GLU(Sphere) TGL_GLU(TessBeginContour)
+TGL_GLU(TessBeginPolygon) TGL_GLU(TessCallback) TGL_GLU(TessEndContour) TGL_GLU(TessEndPolygon) TGL_GLU(TessNormal)
+TGL_GLU(TessProperty) TGL_GLU(TessVertex) TGL_GLU(UnProject) TGL_GLU(Project)
+#undef TGL_GLU
 
 namespace {
 
+using Tev::Chart::Ogl::EntryKind;
+using Tev::Chart::Ogl::OglApi;
+
 // Instantiated once per entry; on a mismatch the compiler names both types.
-template <class Listed, class Prototype>
-constexpr int SameType() {
-    static_assert(std::is_same_v<Listed, std::decay_t<Prototype>>,
-                  "listed pointer type differs from the Khronos prototype");
-    return 1;
+template <class Member, class Prototype>
+constexpr EntryKind Checked(EntryKind p_kind) {
+    static_assert(std::is_same_v<Member, Prototype*>, "table member type differs from the Khronos prototype");
+    return p_kind;
 }
 
-constexpr int TypeCheckedEntries = 0
-#define TEV_OGL_ENTRY(Kind, Ret, Member, Symbol, Params, Args) \
-    +SameType<ListOnly::Member, decltype(gl##Member)>()
-#include "ogl/api/OglEntries.inl"
-#undef TEV_OGL_ENTRY
-    ;
-
-enum class Kind { Direct, Required, Optional, Glu };
-
-struct Entry {
-    Kind kind;
-    std::string_view member;
-    std::string_view symbol;
-    std::string_view params;
-    std::string_view args;
-};
-
-constexpr Entry Entries[] = {
-#define TEV_OGL_ENTRY(K, Ret, Member, Symbol, Params, Args) {Kind::K, #Member, Symbol, #Params, #Args},
+struct Entry { EntryKind kind; std::string member, symbol, params, args; };
+std::vector<Entry> const Entries = {
+#define TEV_OGL_ENTRY(K, Ret, Member, Symbol, Params, Args) \
+    {Checked<decltype(OglApi::Member), decltype(gl##Member)>(EntryKind::K), #Member, Symbol, #Params, #Args},
 #include "ogl/api/OglEntries.inl"
 #undef TEV_OGL_ENTRY
 };
+char const* const KindNames[] = {"Direct", "Required", "Optional", "Glu"};
 
-constexpr int CountOf(Kind p_kind) {
-    int count = 0;
-    for (Entry const& entry : Entries) count += entry.kind == p_kind ? 1 : 0;
-    return count;
-}
-
-static_assert(std::size(Entries) == 283);
-static_assert(CountOf(Kind::Direct) == 116);
-static_assert(CountOf(Kind::Required) == 109);
-static_assert(CountOf(Kind::Optional) == 32);
-static_assert(CountOf(Kind::Glu) == 26);
-
-// The names p_pattern's first group finds in p_list.
-std::vector<std::string> Names(std::string_view p_list, char const* p_pattern) {
+// The names p_pattern's first group finds in p_text.
+std::vector<std::string> Names(std::string const& p_text, char const* p_pattern) {
     std::vector<std::string> names;
-    std::string const list(p_list);
     std::regex const name(p_pattern);
-    for (std::sregex_iterator it(list.begin(), list.end(), name), last; it != last; ++it) names.push_back((*it)[1]);
+    for (std::sregex_iterator it(p_text.begin(), p_text.end(), name), last; it != last; ++it) names.push_back((*it)[1]);
     return names;
 }
 
-// "(GLenum func, GLfloat ref)" and "(func, ref)": one argument per parameter,
-// each the parameter's own name (the last word before its comma), in order.
-bool ArgsForwardParams(std::string_view p_params, std::string_view p_args) {
-    return Names(p_params, R"((\w+)\s*[,)])") == Names(p_args, R"((\w+))");
-}
-
-// The symbol a member must be loaded from: "gl" + member, or for GLU "glu" +
-// the member without its "Glu"; MemoryBarrierTGL is the one renamed member.
-std::string ExpectedSymbol(Entry const& p_entry) {
-    if (p_entry.member == "MemoryBarrierTGL") return "glMemoryBarrier";
-    if (p_entry.kind == Kind::Glu)
-        return p_entry.member.starts_with("Glu") ? "glu" + std::string(p_entry.member.substr(3)) : "";
-    return "gl" + std::string(p_entry.member);
-}
-
-std::size_t IndexOf(std::string_view p_symbol) {
-    for (std::size_t index = 0; index < std::size(Entries); ++index)
-        if (Entries[index].symbol == p_symbol) return index;
-    ADD_FAILURE() << p_symbol << " is not in the list";
-    return std::size(Entries);
-}
-
-Entry const& At(std::string_view p_symbol) { return Entries[IndexOf(p_symbol)]; }
-
-// The commands the registry assigns to OpenGL 1.0 and 1.1: the ones every GL
-// library exports by name, and so exactly the ones a loader may bind directly.
-std::set<std::string> Gl11Commands() {
-    std::ifstream file("/usr/share/khronos-api/gl.xml");
-    EXPECT_TRUE(file) << "the Khronos registry (Debian's khronos-api) is not installed";
-    const std::string xml{std::istreambuf_iterator<char>(file), {}};
-    std::set<std::string> commands;
-    for (char const* feature : {"GL_VERSION_1_0", "GL_VERSION_1_1"}) {
-        const std::size_t start = xml.find(std::string("<feature api=\"gl\" name=\"") + feature + '"');
-        const std::size_t end = xml.find("</feature>", start);
-        EXPECT_NE(start, std::string::npos) << feature;
-        const std::string block = xml.substr(start, end - start);
-        const std::regex command("<command name=\"(\\w+)\"/>");
-        for (std::sregex_iterator it(block.begin(), block.end(), command), last; it != last; ++it)
-            commands.insert((*it)[1]);
+// The symbol is "gl" + member, for GLU "glu" + the member less its "Glu", and
+// glMemoryBarrier for the one renamed member; the arguments are the
+// parameters' own names (the last word before each comma), in order; no
+// member or symbol twice; and the table runs in this order, GLU last.
+TEST(OglSignature, EveryEntryIsNamedForwardedAndPlacedAsListed) {
+    std::set<std::string> members, symbols;
+    for (Entry const& e : Entries) {
+        EXPECT_EQ(e.symbol, e.member == "MemoryBarrierTGL"  ? "glMemoryBarrier"
+                            : e.kind == EntryKind::Glu ? (e.member.starts_with("Glu") ? "glu" + e.member.substr(3) : "") : "gl" + e.member);
+        EXPECT_EQ(Names(e.params, R"((\w+)\s*[,)])"), Names(e.args, R"((\w+))")) << e.symbol << ' ' << e.params;
+        EXPECT_TRUE(members.insert(e.member).second && symbols.insert(e.symbol).second) << e.symbol;
     }
-    return commands;
+    std::vector<std::string> runs;  // "kind count first..last" for each run of one kind
+    for (std::size_t start = 0, i = 1; i <= Entries.size(); ++i)
+        if (i == Entries.size() || Entries[i].kind != Entries[start].kind) {
+            runs.push_back(KindNames[int(Entries[start].kind)] + (' ' + std::to_string(i - start)) + ' ' +
+                           Entries[start].symbol + ".." + Entries[i - 1].symbol);
+            start = i;
+        }
+    EXPECT_EQ(runs, (std::vector<std::string>{
+                        "Direct 65 glAlphaFunc..glTexImage2D", "Required 1 glTexImage3D..glTexImage3D",
+                        "Direct 50 glGetTexImage..glPopClientAttrib",
+                        "Required 15 glDrawRangeElements..glDrawBuffers",
+                        "Direct 1 glGetTexLevelParameteriv..glGetTexLevelParameteriv",
+                        "Required 83 glMapBufferRange..glDrawElementsInstanced",
+                        "Optional 24 glGenVertexArrays..glDrawElementsInstancedBaseInstance",
+                        "Required 10 glBindFramebufferEXT..glCheckFramebufferStatusEXT",
+                        "Optional 8 glDebugMessageCallback..glDebugMessageInsertARB",
+                        "Glu 26 gluOrtho2D..gluProject"}));
 }
 
-TEST(OglSignature, EveryEntryMatchesItsPrototypeOnceAndInItsPlace) {
-    // The per-entry type checks are static; this keeps an entry from slipping
-    // past them (a list expanded differently in the two places).
-    EXPECT_EQ(TypeCheckedEntries, 283);
-    std::set<std::string_view> members, symbols;
-    for (Entry const& entry : Entries) {
-        EXPECT_EQ(entry.symbol, ExpectedSymbol(entry)) << entry.member;
-        EXPECT_TRUE(ArgsForwardParams(entry.params, entry.args))
-            << entry.symbol << ' ' << entry.params << " vs " << entry.args;
-        EXPECT_TRUE(members.insert(entry.member).second && symbols.insert(entry.symbol).second) << entry.symbol;
-    }
-
-    // Runs of the table that must stay together, in this order; GLU closes it.
-    std::vector<std::vector<std::string_view>> const runs = {
-        {"glTexImage2D", "glTexImage3D", "glGetTexImage"},
-        {"glDrawBuffers", "glGetTexLevelParameteriv", "glMapBufferRange"},
-        {"glPopClientAttrib", "glDrawRangeElements"},
-        {"glDrawElementsInstanced", "glGenVertexArrays"},
-        {"glDrawElementsInstancedBaseInstance", "glBindFramebufferEXT"},
-        {"glCheckFramebufferStatusEXT", "glDebugMessageCallback"},
-        {"glDebugMessageInsertARB", "gluOrtho2D"}};
-    for (auto const& run : runs)
-        for (std::size_t i = 1; i < run.size(); ++i) EXPECT_EQ(IndexOf(run[i]), IndexOf(run[i - 1]) + 1) << run[i];
-    EXPECT_EQ(Entries[0].symbol, "glAlphaFunc");
-    EXPECT_EQ(IndexOf("gluOrtho2D"), std::size(Entries) - 26);
-    EXPECT_EQ(Entries[std::size(Entries) - 1].symbol, "gluProject");
-    for (std::size_t index = IndexOf("gluOrtho2D"); index < std::size(Entries); ++index)
-        EXPECT_EQ(Entries[index].kind, Kind::Glu) << Entries[index].symbol;
-}
-
+// The commands the registry assigns to OpenGL 1.0 and 1.1 are the ones every
+// GL library exports by name, and so exactly the ones bound directly; the
+// framebuffer objects must be there at least through the EXT extension.
 TEST(OglSignature, LoadingKindsFollowWhatLibrariesExport) {
-    const std::set<std::string> gl11 = Gl11Commands();
-    for (Entry const& entry : Entries) {
-        if (entry.kind == Kind::Glu)
-            EXPECT_TRUE(entry.symbol.starts_with("glu")) << entry.symbol;
-        else
-            EXPECT_EQ(entry.kind == Kind::Direct, gl11.contains(std::string(entry.symbol)))
-                << entry.symbol << " is bound the wrong way for its GL version";
+    std::ifstream file("/usr/share/khronos-api/gl.xml");
+    ASSERT_TRUE(file) << "the Khronos registry (Debian's khronos-api) is not installed";
+    std::string const xml{std::istreambuf_iterator<char>(file), {}};
+    std::set<std::string> gl11;
+    for (char const* feature : {"GL_VERSION_1_0", "GL_VERSION_1_1"}) {
+        std::size_t const start = xml.find(std::string("<feature api=\"gl\" name=\"") + feature + '"');
+        ASSERT_NE(start, std::string::npos) << feature;
+        for (std::string const& name : Names(xml.substr(start, xml.find("</feature>", start) - start), R"x(<command name="(\w+)"/>)x"))
+            gl11.insert(name);
     }
-    // Framebuffer objects must be there at least through the EXT extension;
-    // the core family is only a preference.
-    for (std::string_view core :
-         {"glBindFramebuffer", "glBindRenderbuffer", "glDeleteFramebuffers", "glDeleteRenderbuffers",
-          "glFramebufferRenderbuffer", "glFramebufferTexture2D", "glGenFramebuffers", "glGenRenderbuffers",
-          "glRenderbufferStorage", "glCheckFramebufferStatus"}) {
-        EXPECT_EQ(At(core).kind, Kind::Optional) << core;
-        EXPECT_EQ(At(std::string(core) + "EXT").kind, Kind::Required) << core << "EXT";
+    std::map<std::string, EntryKind> kindOf;
+    for (Entry const& e : Entries) {
+        kindOf[e.symbol] = e.kind;
+        if (e.kind != EntryKind::Glu) { EXPECT_EQ(e.kind == EntryKind::Direct, gl11.contains(e.symbol)) << e.symbol; }
     }
-    EXPECT_TRUE(At("glDispatchCompute").kind == Kind::Optional && At("glDebugMessageCallbackARB").kind == Kind::Optional);
-    EXPECT_EQ(At("glGenBuffers").kind, Kind::Required);
+    for (std::string core : {"BindFramebuffer", "BindRenderbuffer", "DeleteFramebuffers", "DeleteRenderbuffers",
+                             "FramebufferRenderbuffer", "FramebufferTexture2D", "GenFramebuffers", "GenRenderbuffers",
+                             "RenderbufferStorage", "CheckFramebufferStatus"})
+        EXPECT_TRUE(kindOf["gl" + core] == EntryKind::Optional && kindOf["gl" + core + "EXT"] == EntryKind::Required) << core;
+    EXPECT_TRUE(kindOf["glDispatchCompute"] == EntryKind::Optional && kindOf["glDebugMessageCallbackARB"] == EntryKind::Optional);
+    EXPECT_EQ(kindOf["glGenBuffers"], EntryKind::Required);
 }
 
 }  // namespace
