@@ -13,6 +13,7 @@
 #include <boost/optional/optional_io.hpp>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <fstream>
 
 namespace Tev::Chart {
@@ -38,15 +39,13 @@ TEST(Types, RefusalsAndEmptyValues) {
         EXPECT_FALSE(invalid.IsValid()) << invalid;
     EXPECT_EQ(Intersect(Viewport(0, 0, 100, 50), Viewport(50, 10, 100, 100)), Viewport(50, 10, 50, 40));
     EXPECT_EQ(Intersect(Viewport(0, 0, 100, 50), Viewport(200, 60, 10, 10)), Viewport(200, 60, 0, 0));
-    BoundingBox box;
-    box.Extend(BoundingBox());
+    BoundingBox box, empty;
+    box.Extend(empty);
     EXPECT_TRUE(box.IsEmpty() && box.Extent() == Vector3d(0.0));
-    box.Extend(BoundingBox({-1.0, -2.0, 0.0}, {1.0, 4.0, 0.0}));
+    box.Extend(empty), box.Extend(BoundingBox({-1.0, -2.0, 0.0}, {1.0, 4.0, 0.0})), box.Extend(empty);
     EXPECT_TRUE(box == BoundingBox({-1.0, -2.0, 0.0}, {1.0, 4.0, 0.0}) && box.Contains({0, 0, 0}) && !box.Contains({0, 0, 0.1}));
     MinMax_Base<unsigned> levels;
-    EXPECT_TRUE(levels.IsEmpty() && levels.Range() == 0u);
-    levels.Extend(4), levels.Extend(1);
-    EXPECT_TRUE(levels == MinMax_Base<unsigned>(1, 4) && levels.Range() == 3u);
+    EXPECT_TRUE(levels.IsEmpty() && levels.Range() == 0u && (levels.Extend(4), levels.Extend(1), levels.Range()) == 3u);
     EXPECT_TRUE(Math::Clamp(4.0, 5.0, 3.0) == 5.0 && Math::Clamp(6.0, 5.0, 3.0) == 3.0 && Math::Clamp(9.0, 1.0, 7.0) == 7.0);
 }
 
@@ -69,39 +68,27 @@ TEST(AssetPath, NormalisesJoinsAndSplits) {
 
 // Both volumes serve files, not folders, nothing outside their root, and a
 // failed stream for what they lack; memory refuses (and reports) bad names.
-TEST(Volumes, ServeFilesBelowTheirRootOnly) {
-    struct Folder {
-        std::filesystem::path base = std::filesystem::temp_directory_path() / ("tevogl-volume-" + std::to_string(::getpid()));
-        ~Folder() { std::filesystem::remove_all(base); }
-    } const folder;
-    std::filesystem::create_directories(folder.base / "root" / "shaders");
-    std::ofstream(folder.base / "root" / "shaders" / "a.glsl") << "line 1\nline 2\n";
-    std::ofstream(folder.base / "secret.txt") << "outside";
+// Time stamps never repeat, however fast they are taken.
+TEST(VolumesAndStamps, ServeFilesBelowTheirRootOnlyAndStampsIncrease) {
+    auto const base = std::filesystem::temp_directory_path() / ("tevogl-volume-" + std::to_string(::getpid()));
+    std::filesystem::create_directories(base / "root" / "shaders");
+    std::ofstream(base / "root" / "shaders" / "a.glsl") << "line 1\nline 2\n";
+    std::ofstream(base / "secret.txt") << "outside";
     MemoryVolume memory;
-    memory.Add("./shaders/a.glsl", "line 1\nline 2\n");
-    memory.Add("shaders/b.glsl", "");
-    memory.Remove("shaders/b.glsl");
+    memory.Add("./shaders/a.glsl", "line 1\nline 2\n"), memory.Add("shaders/b.glsl", ""), memory.Remove("shaders/b.glsl");
     Debug::CaptureScope capture;
-    memory.Add("../secret.txt", "x");
-    memory.Add("", "x");
+    memory.Add("../secret.txt", "x"), memory.Add("", "x");
     EXPECT_EQ(::Tev::Test::Assertions(capture).size(), 2u);
-    DiskVolume const disk(folder.base / "root");
+    DiskVolume const disk(base / "root");
     for (Volume const* volume : std::initializer_list<Volume const*>{&memory, &disk}) {
         EXPECT_EQ(volume->ReadText("shaders/x/../a.glsl"), std::string("line 1\nline 2\n"));
         for (char const* absent : {"shaders", "shaders/b.glsl", "../secret.txt", ""})
             EXPECT_TRUE(!volume->Exists(absent) && !volume->ReadText(absent) && volume->Open(absent)->fail()) << absent;
     }
-    EXPECT_FALSE(DiskVolume(folder.base / "no-such-folder").Exists("shaders/a.glsl"));
-}
-
-// Stamps never repeat, however fast they are taken.
-TEST(TimeStamp, IsStrictlyIncreasing) {
-    Core::TimeStamp previous = Core::TimeStamp::Now();
-    for (int i = 0; i < 10000; ++i) {
-        Core::TimeStamp const next = Core::TimeStamp::Now();
-        ASSERT_LT(previous, next) << "at call " << i;
-        previous = next;
-    }
+    std::filesystem::remove_all(base);
+    std::vector<Core::TimeStamp> stamps(10000);
+    for (Core::TimeStamp& stamp : stamps) stamp = Core::TimeStamp::Now();
+    EXPECT_TRUE(std::ranges::adjacent_find(stamps, std::greater_equal<>()) == stamps.end());
 }
 
 }  // namespace
