@@ -1,102 +1,87 @@
 // Begin/End emulation on the recording fake: the current-value rule, the two
-// texture sets, and what End draws. The arrays are read back through the
-// pointers the draw handed to GL.
+// texture sets, and what End draws. At each draw the arrays are read back
+// through the pointers handed to GL and written to the transcript.
 #include "ogl/tgl/OglDirectMode.h"
 
 #include "ogl/api/Tokens.h"
-#include "resources/FakeFacade.h"
-#include "support/LogCapture.h"
+#include "support/Golden.h"
+#include "tgl/FakeTgl.h"
 
-#include <GL/gl.h>
 #include <gtest/gtest.h>
 
-#include <cstring>
+#include <tuple>
 
 namespace Tev::Chart::Ogl {
 namespace {
 
 using Types::Vector2d;
 using Types::Vector3d;
-using Values = std::vector<double>;
+using ::Tev::Test::FakeCall;
+using ::Tev::Test::FakeResult;
 
 class DirectMode : public ::testing::Test {
 protected:
-    void End() {
-        _facade.gl.ClearCalls();
-        Utility::Scoped<Tgl> scoped(*_facade.tgl);
-        _mode.End(scoped);
+    DirectMode() {
+        _fake.Build();
+        for (auto const& [entry, normals] : {std::pair{"glVertexPointer", false}, {"glColorPointer", false},
+                                             {"glTexCoordPointer", false}, {"glNormalPointer", true}})
+            _fake.gl.On(entry, [this, entry, normals](FakeCall const& p_call) -> FakeResult {
+                _arrays.emplace_back(entry, normals ? 3 : int(p_call.Int(0)),
+                                     static_cast<double const*>(p_call.Ptr(p_call.args.size() - 1)));
+                return std::int64_t{0};
+            });
+        _fake.gl.On("glDrawArrays", [this](FakeCall const& p_call) -> FakeResult {
+            for (auto const& [entry, dims, values] : _arrays) {
+                auto out = Debug::dlog();
+                out << entry << ':';
+                for (std::int64_t i = 0; i < dims * p_call.Int(2); ++i) out << ' ' << values[p_call.Int(1) * dims + i];
+            }
+            _arrays.clear();
+            return std::int64_t{0};
+        });
+    }
+    void End(std::string const& p_label) {
+        {
+            Utility::Scoped<Tgl> scoped(*_fake.tgl);
+            _mode.End(scoped);
+        }
+        _fake.Step(p_label);
     }
 
-    std::vector<::Tev::Test::FakeCall> Calls(std::string const& p_name) const { return _facade.gl.Calls(p_name); }
-
-    // p_count doubles from the last (pointer) argument of p_call.
-    static Values Read(::Tev::Test::FakeCall const& p_call, std::size_t p_count) {
-        Values values(p_count);
-        std::memcpy(values.data(), p_call.Ptr(p_call.args.size() - 1), p_count * sizeof(double));
-        return values;
-    }
-    // The same from the only call p_name.
-    Values Array(std::string const& p_name, std::size_t p_count) const {
-        auto const calls = Calls(p_name);
-        EXPECT_EQ(calls.size(), 1u) << p_name;
-        return calls.empty() ? Values() : Read(calls[0], p_count);
-    }
-
-    ::Tev::Test::FakeFacade _facade;
+    ::Tev::Test::FakeTgl _fake;
+    std::vector<std::tuple<std::string, int, double const*>> _arrays;
     OglDirectMode _mode;
 };
 
-Values Rgba(QColor const& p_color) { return {p_color.redF(), p_color.greenF(), p_color.blueF(), p_color.alphaF()}; }
-
-Values Repeat(std::vector<Values> const& p_entries) {
-    Values all;
-    for (auto const& e : p_entries) all.insert(all.end(), e.begin(), e.end());
-    return all;
-}
-
-TEST_F(DirectMode, AColourHoldsUntilTheNextAndTheLastGivenBeforeAVertexWins) {
-    QColor const red(Qt::red), blue(Qt::blue), green(Qt::green);
+// The primitives and the packing of all ten, with colours per vertex, are
+// compared with the driver's own pixels in TglRender.EveryPrimitiveGivesThe-
+// DriversOwnPixels; this transcript holds the rest: the last colour given
+// before a vertex wins, a normal given once covers every vertex and one never
+// given sends no array, two texture sets per block with the third reported,
+// missing components take defaults, pixels of lines lie on pixel centres, and
+// a block draws only its own entry.
+TEST_F(DirectMode, BlocksAsTranscribed) {
     _mode.Begin(Tokens::TGL_TRIANGLES);
-    _mode.Color(red);
+    _mode.Color(QColor(Qt::red));
     _mode.Vertex(Vector3d(0, 0, 0));
     _mode.Vertex(Vector3d(1, 0, 0));
-    _mode.Color(green);
-    _mode.Color(blue);
+    _mode.Color(QColor(Qt::green));
+    _mode.Color(QColor(Qt::blue));
     _mode.Vertex(Vector3d(1, 1, 0));
-    End();
+    End("triangles: red, vertex, vertex, green, blue, vertex");
 
-    EXPECT_EQ(_facade.gl.Calls("glColorPointer").at(0).ToString().rfind("glColorPointer(4, 5130, 0, ", 0), 0u);
-    EXPECT_EQ(Array("glColorPointer", 12), Repeat({Rgba(red), Rgba(red), Rgba(blue)}));
-    EXPECT_EQ(Array("glVertexPointer", 9), (Values{0, 0, 0, 1, 0, 0, 1, 1, 0}));
-    EXPECT_EQ(Calls("glDrawArrays").at(0).ToString(), "glDrawArrays(4, 0, 3)");
-    EXPECT_TRUE(Calls("glNormalPointer").empty()) << "a normal never given leaves GL's current one";
-}
-
-TEST_F(DirectMode, ANormalGivenOnceCoversEveryVertexAndAQuadBlockStaysOneEntry) {
     _mode.Begin(Tokens::TGL_QUADS);
     _mode.Normal(0, 0, 1);
     for (int i = 0; i < 8; ++i) _mode.Vertex(Vector2d(i, i % 2));
-    End();
-
-    EXPECT_EQ(_mode.Count(), 1u);
-    EXPECT_EQ(Calls("glDrawArrays").at(0).ToString(), "glDrawArrays(7, 0, 8)");
-    EXPECT_EQ(Calls("glVertexPointer").at(0).Int(0), 2) << "two components";
-    EXPECT_EQ(Array("glNormalPointer", 24), Repeat(std::vector<Values>(8, Values{0, 0, 1})));
-
-    // A second block without Clear adds an entry and draws only that one.
+    End("quads: one normal, eight vertices of two components");
+    EXPECT_EQ(_mode.Count(), 2u);  // one entry per block
     _mode.Begin(Tokens::TGL_POINTS);
     _mode.Vertex(1.0f, 2.0f);
-    End();
-    EXPECT_EQ(_mode.Count(), 2u);
-    EXPECT_EQ(_facade.gl.Calls("glDrawArrays").size(), 1u);
-    EXPECT_EQ(Calls("glDrawArrays").at(0).ToString(), "glDrawArrays(0, 0, 1)");
-
+    End("points without a Clear before");
+    EXPECT_EQ(_mode.Count(), 3u);
     _mode.Clear();
     EXPECT_EQ(_mode.Count(), 0u);
-}
 
-TEST_F(DirectMode, TwoTextureUnitsPerBlockAndAThirdIsDropped) {
-    Debug::CaptureScope capture;
     _mode.Begin(Tokens::TGL_LINES);
     for (int i = 0; i < 2; ++i) {
         _mode.MultiTexCoord(Tokens::TGL_TEXTURE0, Vector2d(i, 0));
@@ -104,63 +89,24 @@ TEST_F(DirectMode, TwoTextureUnitsPerBlockAndAThirdIsDropped) {
         _mode.MultiTexCoord(Tokens::TGL_TEXTURE0 + 2, Vector2d(9, 9));
         _mode.Vertex(Vector2d(i, i));
     }
-    End();
-
-    auto const sentries = capture.Texts(Debug::Channel::Sentry);
-    ASSERT_EQ(sentries.size(), 2u);
-    EXPECT_EQ(sentries[0].rfind("void Tev::Chart::Ogl::OglDirectMode::MultiTexCoord(", 0), 0u) << sentries[0];
-
-    auto const units = Calls("glClientActiveTexture");
-    auto const pointers = Calls("glTexCoordPointer");
-    ASSERT_TRUE(units.size() == 2u && pointers.size() == 2u);
-    EXPECT_TRUE(units[0].Int(0) == GL_TEXTURE0 && units[1].Int(0) == GL_TEXTURE1);
-    EXPECT_TRUE(pointers[0].Int(0) == 2 && pointers[1].Int(0) == 1) << "components per set";
-    EXPECT_EQ(Read(pointers[0], 4), (Values{0, 0, 1, 0}));
-    EXPECT_EQ(Read(pointers[1], 2), (Values{0, 0.5}));
-}
-
-TEST_F(DirectMode, PlainTexCoordsFeedUnitZeroAndMissingComponentsTakeDefaults) {
+    End("lines with texture units 0, 1 and 2");
     _mode.Begin(Tokens::TGL_TRIANGLE_FAN);
     _mode.TexCoord(0.25, 0.75);
     _mode.Vertex(Vector3d(1, 2, 3));
     _mode.TexCoord(0.5);
     _mode.Vertex(Vector2d(4, 5));
-    End();
-    EXPECT_EQ(Calls("glClientActiveTexture").at(0).Int(0), GL_TEXTURE0);
-    EXPECT_EQ(Array("glTexCoordPointer", 4), (Values{0.25, 0.75, 0.5, 0}));
-    EXPECT_EQ(Array("glVertexPointer", 6), (Values{1, 2, 3, 4, 5, 0}));
-}
-
-TEST_F(DirectMode, PrimitivesAndEmptyBlocks) {
-    auto const& map = OglDirectMode::PrimitivesMap();
-    std::vector<unsigned> values;
-    for (unsigned token : {GL_POINTS, GL_LINES, GL_LINE_LOOP, GL_LINE_STRIP, GL_TRIANGLES, GL_TRIANGLE_STRIP,
-                           GL_TRIANGLE_FAN, GL_QUADS, GL_QUAD_STRIP, GL_POLYGON})
-        values.push_back(map.count(token) ? map.at(token) : 99);
-    EXPECT_EQ(values, (std::vector<unsigned>{0, 1, 2, 3, 4, 5, 6, 7, 8, 9}));
-    EXPECT_EQ(map.size(), 10u);
-
+    End("triangle fan: plain texture coordinates of two, then one component");
     _mode.Begin(Tokens::TGL_LINE_LOOP);
-    End();
-    EXPECT_EQ(_mode.Count(), 0u);
-    EXPECT_TRUE(_facade.gl.Calls().empty());
-
-    Debug::CaptureScope capture;
+    End("an empty line loop");
     _mode.Begin(0x000A);  // lines with adjacency: not an immediate-mode primitive
-    EXPECT_TRUE(::Tev::Test::HasAssertion(capture, "it != primitivesMap.end()"));
-}
-
-TEST_F(DirectMode, PixelsOfLinesGoThroughPixelCentres) {
-    _mode.Begin(Tokens::TGL_LINE_STRIP);
-    _mode.Pixel(2, 3);
-    _mode.Pixel(Vector2d(4, 5));
-    End();
-    EXPECT_EQ(Array("glVertexPointer", 4), (Values{2.5, 3.5, 4.5, 5.5}));
-
-    _mode.Begin(Tokens::TGL_POINTS);
-    _mode.Pixel(2, 3);
-    End();
-    EXPECT_EQ(Array("glVertexPointer", 2), (Values{2, 3}));
+    _fake.Step("Begin of lines with adjacency");
+    for (unsigned primitive : {Tokens::TGL_LINE_STRIP, Tokens::TGL_POINTS}) {
+        _mode.Begin(primitive);
+        _mode.Pixel(2, 3);
+        _mode.Pixel(Vector2d(4, 5));
+        End("pixels (2, 3) and (4, 5) in primitive " + std::to_string(primitive));
+    }
+    EXPECT_TRUE(::Tev::Test::MatchesGolden("resources/direct-mode.txt", _fake.Transcript()));
 }
 
 }  // namespace

@@ -2,7 +2,7 @@
 // the facade's end arriving before the resource's.
 #include "ogl/resources/TglResource.h"
 
-#include "resources/FakeFacade.h"
+#include "tgl/FakeTgl.h"
 #include "support/LogCapture.h"
 
 #include <gtest/gtest.h>
@@ -82,11 +82,12 @@ private:
 
 class TglResourceLife : public ::testing::Test {
 protected:
+    TglResourceLife() { _facade.Build(); }
     void Initialize(TglResource& p_resource, Utility::Lifetime const& p_lifetime) {
-        Internal::ResourceAccess::Initialize(p_resource, *_facade.tgl, _facade.api, p_lifetime);
+        Internal::ResourceAccess::Initialize(p_resource, *_facade.tgl, _facade->Api(), p_lifetime);
     }
 
-    ::Tev::Test::FakeFacade _facade;
+    ::Tev::Test::FakeTgl _facade;
     Utility::Lifetime _lifetime;
 };
 
@@ -139,8 +140,8 @@ TEST_F(TglResourceLife, ResourceEndingFirstStopsWatchingTheFacade) {
 }
 
 TEST_F(TglResourceLife, ObjectNeedsAGlNameToBeValid) {
-    NamedObject unnamed(_facade.api, 0);
-    NamedObject named(_facade.api, 7);
+    NamedObject unnamed(_facade->Api(), 0);
+    NamedObject named(_facade->Api(), 7);
     Initialize(unnamed, _lifetime);
     Initialize(named, _lifetime);
     EXPECT_TRUE(unnamed.TglInstanceId() > 0 && !unnamed.IsValid() && named.IsValid());

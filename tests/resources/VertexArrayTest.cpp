@@ -1,9 +1,9 @@
 // Drawing vertex arrays through the facade on the recording fake: the exact
-// client-array calls, the left-out arrays and the vertex windows.
+// client-array calls, the left-out arrays, entry ranges and the vertex windows.
 #include "ogl/resources/VertexArray.h"
 
-#include "resources/FakeFacade.h"
-#include "support/LogCapture.h"
+#include "support/Golden.h"
+#include "tgl/FakeTgl.h"
 
 #include <gtest/gtest.h>
 
@@ -14,12 +14,6 @@ namespace {
 
 using VD = VertexData;
 using Strings = std::vector<std::string>;
-
-std::string P(void const* p_pointer) {
-    std::ostringstream os;
-    os << p_pointer;
-    return os.str();
-}
 
 VD::Block Zeros(std::size_t p_bytes) { return VD::Block(new char[p_bytes]()); }
 
@@ -32,25 +26,29 @@ VD Batch(std::uint32_t p_count) {
 
 class VertexArrayDraw : public ::testing::Test {
 protected:
-    Strings Draw(VertexArray const& p_array, std::uint64_t p_first, std::uint64_t p_count, std::uint64_t p_firstVertex,
-                 std::uint64_t p_vertexCount, VertexArray::Disabled p_disabled = {}) {
-        _facade.gl.ClearCalls();
-        Utility::Scoped<Tgl> scoped(*_facade.tgl);
+    VertexArrayDraw() { _fake.Build(); }
+    void Draw(VertexArray const& p_array, std::uint64_t p_first, std::uint64_t p_count, std::uint64_t p_firstVertex,
+              std::uint64_t p_vertexCount, VertexArray::Disabled p_disabled = {}) {
+        Utility::Scoped<Tgl> scoped(*_fake.tgl);
         p_array(scoped, p_first, p_count, p_firstVertex, p_vertexCount, p_disabled);
-        return _facade.gl.CallStrings();
     }
     // Only the draw calls.
     Strings Draws(VertexArray const& p_array, std::uint64_t p_firstVertex, std::uint64_t p_vertexCount) {
+        _fake.gl.ClearCalls();
+        Draw(p_array, 0, p_array.Count(), p_firstVertex, p_vertexCount);
         Strings draws;
-        for (auto const& call : Draw(p_array, 0, p_array.Count(), p_firstVertex, p_vertexCount))
+        for (auto const& call : _fake.gl.CallStrings())
             if (call.rfind("glDraw", 0) == 0) draws.push_back(call);
         return draws;
     }
 
-    ::Tev::Test::FakeFacade _facade;
+    ::Tev::Test::FakeTgl _fake;
 };
 
-TEST_F(VertexArrayDraw, EveryArrayIsSetUpInsideOnePushedClientState) {
+// The transcript holds every array set up inside one pushed client state,
+// with the pointers of the data's own blocks; then all but the vertices left
+// out, explicit units as given; entry ranges; entries that cannot be drawn.
+TEST_F(VertexArrayDraw, ClientArrayCallsAsTranscribed) {
     VD data = Batch(4);
     data.primitive = VD::Quads;
     data.normals = VD::Normals{Zeros(48), VD::Short};
@@ -58,34 +56,43 @@ TEST_F(VertexArrayDraw, EveryArrayIsSetUpInsideOnePushedClientState) {
     data.texCoords0 = VD::TexCoords{Zeros(32), VD::Float, VD::XY, -1};
     data.texCoords1 = VD::TexCoords{Zeros(32), VD::Double, VD::XY, -1};
     data.edgeFlags = VD::EdgeFlags{Zeros(4)};
-    VertexArray array;
-    array.Add(data);
-
-    EXPECT_EQ(Draw(array, 0, 1, 0, 0),
-              (Strings{"glPushClientAttrib(2)",
-                       "glEnableClientState(32885)", "glNormalPointer(5122, 0, " + P(data.normals->data.get()) + ")",
-                       "glEnableClientState(32886)", "glColorPointer(4, 5126, 0, " + P(data.colors->data.get()) + ")",
-                       "glClientActiveTexture(33984)", "glEnableClientState(32888)",
-                       "glTexCoordPointer(2, 5126, 0, " + P(data.texCoords0->data.get()) + ")",
-                       "glClientActiveTexture(33986)", "glEnableClientState(32888)",
-                       "glTexCoordPointer(2, 5130, 0, " + P(data.texCoords1->data.get()) + ")",
-                       "glEnableClientState(32889)", "glEdgeFlagPointer(0, " + P(data.edgeFlags->data.get()) + ")",
-                       "glEnableClientState(32884)", "glVertexPointer(3, 5126, 0, " + P(data.vertices->data.get()) + ")",
-                       "glDrawArrays(7, 0, 4)", "glPopClientAttrib()"}));
-
-    // Everything left out but the vertices; explicit units are used as given.
+    for (auto const& [block, name] : std::vector<std::pair<VD::Block, char const*>>{
+             {data.vertices->data, "vertices"}, {data.normals->data, "normals"}, {data.colors->data, "colors"},
+             {data.texCoords0->data, "texCoords0"}, {data.texCoords1->data, "texCoords1"}, {data.edgeFlags->data, "edgeFlags"}})
+        _fake.Name(block.get(), name);
+    VertexArray all, leftOut;
+    all.Add(data);
+    Draw(all, 0, 1, 0, 0);
+    _fake.Step("quads with every array");
     data.texCoords0->unit = 1;
     data.colors->alpha = false;
-    VertexArray second;
-    second.Add(data);
-    auto const calls = Draw(second, 0, 1, 0, 0, VertexArray::Disabled("11101"));
-    EXPECT_EQ(calls, (Strings{"glPushClientAttrib(2)", "glEnableClientState(32886)",
-                              "glColorPointer(3, 5126, 0, " + P(data.colors->data.get()) + ")",
-                              "glEnableClientState(32884)",
-                              "glVertexPointer(3, 5126, 0, " + P(data.vertices->data.get()) + ")",
-                              "glDrawArrays(7, 0, 4)", "glPopClientAttrib()"}));
-    auto const units = Draw(second, 0, 1, 0, 0, VertexArray::Disabled("11011"));
-    EXPECT_EQ(units.at(1), "glClientActiveTexture(33985)");
+    leftOut.Add(data);
+    for (char const* disabled : {"11101", "11011"}) {
+        Draw(leftOut, 0, 1, 0, 0, VertexArray::Disabled(disabled));
+        _fake.Step(std::string("texture unit 1, no alpha, disabled ") + disabled);
+    }
+
+    VertexArray three, broken, odd;
+    for (std::uint32_t n = 1; n <= 3; ++n) three.Add(Batch(n));
+    Draw(three, 0, 3, 0, 0);
+    Draw(three, 1, 1, 0, 0);
+    _fake.Step("three entries of 1, 2, 3 vertices, then the middle one");
+    VD noVertices;
+    noVertices.primitive = VD::Points;
+    broken.Add(noVertices);
+    Draw(broken, 0, 1, 0, 0);
+    _fake.Step("an entry without vertices");
+    for (auto dims : {VD::X, VD::XYZW}) {
+        VD batch = Batch(2);
+        batch.vertices->dims = dims;
+        odd.Add(batch);
+    }
+    Draw(odd, 0, 2, 0, 0);
+    _fake.Step("entries of one and of four dimensions");
+    EXPECT_TRUE(::Tev::Test::MatchesGolden("resources/vertex-array.txt", _fake.Transcript()));
+    EXPECT_EQ(three.Count(), 3u);
+    three.Clear();
+    EXPECT_EQ(three.Count(), 0u);
 }
 
 // A window (first vertex, count; 0 for all the rest) counts vertices, or
@@ -97,8 +104,9 @@ TEST_F(VertexArrayDraw, VertexWindowsCountVerticesOrIndices) {
     data.indices = VD::Indices{Zeros(12), VD::UnsignedShort, 6};
     indexed.Add(data);
     auto const elements = [&](std::size_t p_count, std::size_t p_offset) {
-        return Strings{"glDrawElements(4, " + std::to_string(p_count) + ", 5123, " + P(data.indices->data.get() + p_offset) +
-                       ")"};
+        std::ostringstream os;
+        os << "glDrawElements(4, " << p_count << ", 5123, " << static_cast<void const*>(data.indices->data.get() + p_offset) << ")";
+        return Strings{os.str()};
     };
     struct Row {
         std::uint64_t first, count;
@@ -110,46 +118,10 @@ TEST_F(VertexArrayDraw, VertexWindowsCountVerticesOrIndices) {
         {6, 0, {}, {}},                                    {7, 2, {}, {}},
     };
     for (Row const& row : rows) {
-        EXPECT_EQ(Draws(plain, row.first, row.count), row.plain) << row.first << ", " << row.count;
-        EXPECT_EQ(Draws(indexed, row.first, row.count), row.indexed) << row.first << ", " << row.count;
+        SCOPED_TRACE(std::to_string(row.first) + ", " + std::to_string(row.count));
+        EXPECT_EQ(Draws(plain, row.first, row.count), row.plain);
+        EXPECT_EQ(Draws(indexed, row.first, row.count), row.indexed);
     }
-}
-
-TEST_F(VertexArrayDraw, EntryRangesAndUndrawableEntries) {
-    VertexArray array;
-    for (std::uint32_t n = 1; n <= 3; ++n) array.Add(Batch(n));
-    EXPECT_EQ(array.Count(), 3u);
-    EXPECT_EQ(Draws(array, 0, 0), (Strings{"glDrawArrays(4, 0, 1)", "glDrawArrays(4, 0, 2)", "glDrawArrays(4, 0, 3)"}));
-    auto const middle = Draw(array, 1, 1, 0, 0);
-    EXPECT_EQ(std::count(middle.begin(), middle.end(), "glDrawArrays(4, 0, 2)"), 1);
-    EXPECT_EQ(std::count_if(middle.begin(), middle.end(), [](auto const& c) { return c.rfind("glDraw", 0) == 0; }), 1);
-
-    Debug::CaptureScope capture;
-    VertexArray broken;
-    VD noVertices;
-    noVertices.primitive = VD::Points;
-    broken.Add(noVertices);
-    EXPECT_TRUE(Draw(broken, 0, 1, 0, 0).empty());
-    auto const failures = ::Tev::Test::Assertions(capture);
-    ASSERT_EQ(failures.size(), 1u);
-    EXPECT_TRUE(failures[0].starts_with("\"data.vertices.Defined() && \"Vertices must be provided!\"\" - void "
-                                        "Tev::Chart::Ogl::VertexArray::operator()("))
-        << failures[0];
-
-    capture.Sink().Clear();
-    VertexArray odd;
-    for (auto dims : {VD::X, VD::XYZW}) {
-        VD data = Batch(2);
-        data.vertices->dims = dims;
-        odd.Add(data);
-    }
-    Draw(odd, 0, 2, 0, 0);
-    EXPECT_TRUE(::Tev::Test::HasAssertion(capture, "data.vertices->dims != VertexData::X"));
-    EXPECT_TRUE(::Tev::Test::HasAssertion(capture, "data.vertices->dims != VertexData::XYZW"));
-    EXPECT_EQ(::Tev::Test::Assertions(capture).size(), 2u);
-
-    array.Clear();
-    EXPECT_EQ(array.Count(), 0u);
 }
 
 }  // namespace

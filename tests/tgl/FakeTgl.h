@@ -1,52 +1,103 @@
 // A facade on the recording fake driver, with the driver's answers scripted
-// before the facade is built.
+// before Build(), and a transcript of what each step sent to GL and logged,
+// for comparison with a golden file.
 #pragma once
 
-#include "ogl/api/DeviceFeatures.h"
+#include "framework/debug/Debug.h"
 #include "ogl/tgl/Tgl.h"
 #include "support/FakeGl.h"
 
+#include <GL/gl.h>
+#include <GL/glext.h>
+
+#include <algorithm>
 #include <map>
 #include <memory>
-#include <set>
-#include <string>
-#include <vector>
+#include <regex>
+#include <sstream>
 
 namespace Tev::Test {
 
 class FakeTgl {
 public:
-    // A GL 4.5 driver with eight lights and every limit set to a value of its
-    // own (see Limit()), point sizes 1..64 and line widths 1..10.
-    FakeTgl();
+    // GL 4.5 with eight lights and a value of its own for every limit, so
+    // that a field read from the wrong query shows; points 1..64, lines 1..10.
+    FakeTgl() {
+        for (auto const& [name, value] : std::map<GLenum, GLint>{
+                 {GL_MAX_LIGHTS, 8}, {GL_STENCIL_BITS, 8}, {GL_MAX_CLIP_PLANES, 6}, {GL_MAX_TEXTURE_COORDS, 10},
+                 {GL_MAX_TEXTURE_SIZE, 16384}, {GL_MAX_TEXTURE_UNITS, 4}, {GL_MAX_VERTEX_TEXTURE_IMAGE_UNITS, 16},
+                 {GL_MAX_TEXTURE_BUFFER_SIZE, 65536}, {GL_MAX_GEOMETRY_TEXTURE_IMAGE_UNITS, 17},
+                 {GL_MAX_TEXTURE_IMAGE_UNITS, 18}, {GL_MAX_COMPUTE_TEXTURE_IMAGE_UNITS, 19},
+                 {GL_MAX_COMBINED_TEXTURE_IMAGE_UNITS, 96}, {GL_MAX_NAME_STACK_DEPTH, 64}})
+            gl.SetInteger(name, {value});
+        gl.SetInteger(GL_MAX_VIEWPORT_DIMS, {8192, 4096});
+        for (GLenum name : {GL_POINT_SIZE_RANGE, GL_ALIASED_POINT_SIZE_RANGE}) doubles[name] = {1.0, 64.0};
+        for (GLenum name : {GL_LINE_WIDTH_RANGE, GL_ALIASED_LINE_WIDTH_RANGE}) doubles[name] = {1.0, 10.0};
+        gl.On("glGetDoublev", [this](FakeCall const& p_call) -> FakeResult {
+            auto const found = doubles.find(GLenum(p_call.Int(0)));
+            if (found != doubles.end())
+                std::copy(found->second.begin(), found->second.end(), static_cast<double*>(const_cast<void*>(p_call.Ptr(1))));
+            return std::int64_t{0};
+        });
+    }
 
-    // Script before Build().
-    void SetVersion(std::string const& p_version);
-    void SetDoubles(GLenum p_name, std::vector<double> p_values);
-    // Entries the driver lacks ("glMemoryBarrier").
-    void SetMissing(std::set<std::string> p_missing) { _missing = std::move(p_missing); }
-
-    // Builds the facade; the calls made so far are dropped unless p_keepCalls.
+    // Builds the facade (replacing one built before); the calls and logs
+    // made so far are dropped unless p_keep.
     Chart::Ogl::Tgl& Build(Chart::Ogl::DeviceFeatureMask const& p_mask = Chart::Ogl::DeviceFeatureMask::PermitAll(),
-                           bool p_keepCalls = false);
-    void Destroy() { _tgl.reset(); }
+                           bool p_keep = false) {
+        tgl = std::make_unique<Chart::Ogl::Tgl>(gl.Api(), p_mask);
+        if (!p_keep) gl.ClearCalls(), capture.Sink().Clear();
+        return *tgl;
+    }
+    Chart::Ogl::Tgl* operator->() { return tgl.get(); }
+    std::size_t Count(std::string const& p_name) const { return gl.Calls(p_name).size(); }
 
-    Chart::Ogl::Tgl& Get() { return *_tgl; }
-    Chart::Ogl::Tgl* operator->() { return _tgl.get(); }
-    FakeGl& Gl() { return _gl; }
-    // The calls recorded since the last ClearCalls, as strings.
-    std::vector<std::string> Calls() const { return _gl.CallStrings(); }
-    std::vector<std::string> Calls(std::string const& p_name) const;
-    void ClearCalls() { _gl.ClearCalls(); }
+    // Shows p_pointer in the transcript as "&p_name".
+    void Name(void const* p_pointer, std::string const& p_name) {
+        std::ostringstream os;
+        os << p_pointer;
+        _names.emplace_back(std::regex(os.str() + "\\b"), "&" + p_name);
+    }
+    // Ends a step: its label, then the calls and the log entries since the
+    // step before, one a line, with other pointers shown as "&".
+    void Step(std::string const& p_label) {
+        static std::regex const pointer("0x[0-9a-f]+");
+        _transcript << "== " << p_label << '\n';
+        for (std::string call : gl.CallStrings()) {
+            for (auto const& [named, name] : _names) call = std::regex_replace(call, named, name);
+            _transcript << std::regex_replace(call, pointer, "&") << '\n';
+        }
+        // Resource numbers depend on what the process made before.
+        static std::regex const resource("TglResource\\(-?[0-9]+\\)");
+        for (auto const& entry : capture.Entries())
+            _transcript << '[' << Debug::ChannelName(entry.channel) << (entry.category.empty() ? "" : " ")
+                        << entry.category << "] " << std::regex_replace(entry.text, resource, "TglResource(n)") << '\n';
+        gl.ClearCalls();
+        capture.Sink().Clear();
+    }
+    // Adds the lines of the facade's state dump that name one of p_names.
+    void Tracked(std::vector<std::string> const& p_names) {
+        std::string text;
+        {
+            Debug::CaptureScope dumped;
+            tgl->DumpState();
+            text = dumped.Texts(Debug::Channel::Debug).at(0);
+        }
+        std::istringstream dump(text);
+        for (std::string line; std::getline(dump, line);)
+            for (auto const& name : p_names)
+                if (line.rfind("\t" + name + " =", 0) == 0) _transcript << "  " << line.substr(1) << '\n';
+    }
+    std::string Transcript() const { return _transcript.str(); }
 
-    // The scripted answer for a limit enumerant.
-    static GLint Limit(GLenum p_name);
+    FakeGl gl;
+    std::map<GLenum, std::vector<double>> doubles;
+    Debug::CaptureScope capture;
+    std::unique_ptr<Chart::Ogl::Tgl> tgl;
 
 private:
-    FakeGl _gl;
-    std::map<GLenum, std::vector<double>> _doubles;
-    std::set<std::string> _missing;
-    std::unique_ptr<Chart::Ogl::Tgl> _tgl;
+    std::vector<std::pair<std::regex, std::string>> _names;
+    std::ostringstream _transcript;
 };
 
 }  // namespace Tev::Test
