@@ -1,5 +1,5 @@
-// The system GL and OSMesa in one process: one thread each, drawing at the
-// same time, then one thread switching between the two. Every frame has
+// The system GL and OSMesa in one process: one thread per context, drawing
+// at the same time, then one thread switching between them. Every frame has
 // colours of its own, so a frame that shows another one's pixels, or the
 // other implementation's, fails.
 #include "ogl/api/OglApi.h"
@@ -12,6 +12,7 @@
 #include "support/XServerTest.h"
 
 #include <thread>
+#include <vector>
 
 #include "FrameCheck.h"
 
@@ -59,25 +60,28 @@ TEST(SideBySide, GlxAndOSMesaRenderOnTwoThreadsAtOnceThenAlternateOnOne) {
     Renderer glx{DeviceContext(display, nullptr, Offscreen(DeviceFormatRequest::Hardware)), nullptr};
     Renderer osmesa{DeviceContext(DisplayHnd::OSMesaDisplay, nullptr, Offscreen(DeviceFormatRequest::Software)),
                     nullptr};
+    Renderer osmesa2{DeviceContext(DisplayHnd::OSMesaDisplay, nullptr, Offscreen(DeviceFormatRequest::Software)),
+                     nullptr};
     ASSERT_EQ(glx.dc.osApi->IsSystem, 1);
     ASSERT_EQ(osmesa.dc.osApi->IsSystem, 0);
 
-    // Different frame numbers on the two threads: a pixel that crossed over
-    // has the other thread's colours.
-    std::string glxWrong, osmesaWrong;
-    std::thread glxThread([&] { glxWrong = glx.Run(0, ConcurrentFrames); });
-    std::thread osmesaThread([&] { osmesaWrong = osmesa.Run(ConcurrentFrames, ConcurrentFrames); });
-    glxThread.join();
-    osmesaThread.join();
-    EXPECT_EQ(glxWrong, "") << "GLX thread";
-    EXPECT_EQ(osmesaWrong, "") << "OSMesa thread";
+    // Different frame numbers on the threads: a pixel that crossed over has
+    // another thread's colours. Two OSMesa threads: a missing per-thread
+    // set-up of the Mesa namespace crashes here.
+    std::string wrong[3];
+    std::vector<std::thread> threads;
+    Renderer* const renderers[3] = {&glx, &osmesa, &osmesa2};
+    for (int i = 0; i < 3; ++i)
+        threads.emplace_back([&, i] { wrong[i] = renderers[i]->Run(i * ConcurrentFrames, ConcurrentFrames); });
+    for (std::thread& thread : threads) thread.join();
+    EXPECT_EQ(wrong[0] + wrong[1] + wrong[2], "");
 
-    // A third thread, which neither implementation has seen, switches
-    // between the two contexts every frame.
+    // A further thread, which no implementation has seen, switches between
+    // the contexts every frame.
     std::string alternateWrong;
     std::thread([&] {
         for (int frame = 0; frame < AlternatingFrames && alternateWrong.empty(); ++frame) {
-            alternateWrong = (frame % 2 ? osmesa : glx).Run(2 * ConcurrentFrames + frame, 1);
+            alternateWrong = renderers[frame % 3]->Run(3 * ConcurrentFrames + frame, 1);
         }
     }).join();
     EXPECT_EQ(alternateWrong, "") << "alternating thread";

@@ -1,6 +1,9 @@
-// Device features and debug output on a real Mesa context: what llvmpipe
-// offers, and driver messages arriving synchronously in the error log.
+// The Mesa table on a real OSMesa context: its versions and vendor, the
+// features llvmpipe offers, GLU reaching OSMesa, and driver messages
+// arriving synchronously in the error log.
 #include "support/OSMesaFixture.h"
+
+#include <GL/glu.h>
 
 #include "framework/debug/Debug.h"
 #include "ogl/api/DeviceFeatures.h"
@@ -13,7 +16,7 @@ namespace {
 using namespace Chart::Ogl;
 using Debug::Channel;
 
-class DebugOutputRender : public OSMesaFixture {
+class MesaContext : public OSMesaFixture {
 protected:
     // The "ogldebug" entries written while p_action ran.
     template <typename Action>
@@ -27,7 +30,14 @@ protected:
     }
 };
 
-TEST_F(DebugOutputRender, MesaSupportsEveryFeature) {
+TEST_F(MesaContext, MesaReportsItsVersionsAndSupportsEveryFeature) {
+    EXPECT_FALSE(_gl->IsSystem);
+    EXPECT_EQ(_gl->Vendor, MESA);
+    EXPECT_GE(_gl->GlVersion, Chart::Utility::VersionNo(4, 5, 0));
+    EXPECT_NE(_gl->GlVersion.Text().find("Compatibility"), std::string::npos) << _gl->GlVersion.Text();
+    EXPECT_GE(_gl->GlslVersion, Chart::Utility::VersionNo(4, 50, 0));
+    EXPECT_EQ(_gl->GluVersion, Chart::Utility::VersionNo(0, 0, 0));
+    EXPECT_EQ(_gl->GluVersion.Text(), "<unknown>");
     ExtensionSet const extensions = ReadExtensions(*_gl);
     EXPECT_TRUE(extensions.test(KHR_debug));
     EXPECT_TRUE(extensions.test(ARB_debug_output));
@@ -41,7 +51,24 @@ TEST_F(DebugOutputRender, MesaSupportsEveryFeature) {
     EXPECT_TRUE(capture.Texts(Channel::Out).empty());
 }
 
-TEST_F(DebugOutputRender, DriverMessagesReachTheErrorLogSynchronously) {
+// GLU calls GL through libOpenGL.so.0; only in the private namespace does
+// that reach OSMesa, so a sphere in the buffer proves the namespace: a disc
+// of radius 8 covers about 200 of the 1024 pixels.
+TEST_F(MesaContext, GluSphereDrawsIntoTheOSMesaBuffer) {
+    _gl->ClearColor(0.0f, 0.0f, 0.0f, 1.0f);
+    _gl->Clear(GL_COLOR_BUFFER_BIT);
+    _gl->Ortho(-1, 1, -1, 1, -1, 1);
+    _gl->Color4f(0.0f, 1.0f, 0.0f, 1.0f);
+    GLUquadric* quadric = _gl->GluNewQuadric();
+    ASSERT_NE(quadric, nullptr);
+    _gl->GluSphere(quadric, 0.5, 16, 16);
+    _gl->GluDeleteQuadric(quadric);
+    EXPECT_TRUE(Pixel(Width / 2, Height / 2) == 0xFF00FF00u && Pixel(0, 0) == 0xFF000000u);
+    int const covered = CountDifferent(0xFF000000u);
+    EXPECT_TRUE(covered > 150 && covered < 260) << covered;
+}
+
+TEST_F(MesaContext, DriverMessagesReachTheErrorLogSynchronously) {
     ExtensionSet const extensions = ReadExtensions(*_gl);
     OglDebug debug(extensions, *_gl);
     debug.SetupGLDebug();
