@@ -3,12 +3,10 @@
 // for the subtle cases, and the ways around the chooser.
 #include "ogl/device/DeviceFormat.h"
 #include "ogl/device/DisplayHnd.h"
-#include "ogl/device/glx/WindowDevice.h"
 #include "support/FakeOsApi.h"
 #include "support/Golden.h"
 #include "support/LogCapture.h"
 #include "support/ScopedEnv.h"
-#include "support/XDisplayGuard.h"
 
 #include <gtest/gtest.h>
 
@@ -224,23 +222,6 @@ TEST_F(DeviceFormatChoice, SystemChooserForcedFormatsAndTheirLogs) {
     EXPECT_EQ(DeviceFormat::GetDeviceFormat(ScriptedFormats::Table(true), _display, DeviceFormat::NullFormatId).id, 0u);
     for (Debug::LogEntry const& entry : capture.Entries()) log.push_back(Debug::ChannelName(entry.channel) + (": " + entry.text));
     EXPECT_TRUE(MatchesGolden("device/chooser-log.txt", Lines(log)));
-}
-
-// On the X server a format has a window visual exactly when it draws to
-// windows. The table is never destroyed: the driver stays loaded.
-TEST(WindowVisual, OnlyFormatsThatDrawToWindowsHaveOne) {
-    static DisplayHnd const* const display = new DisplayHnd(GetRootDisplayHnd());
-    TEVOGL_SKIP_WITHOUT_DISPLAY(*display);
-    static OsApi const* const api = new OsApi(ApiSystem, *display);
-    int const count = api->DescribePixelFormat(display->Handle(), 1, 0, nullptr);
-    int windows = 0;
-    for (int id = 1; id <= count; ++id) {
-        Descriptor p{};
-        api->DescribePixelFormat(display->Handle(), id, sizeof p, &p);
-        windows += Has(p, Pfd::DrawToWindow);
-        EXPECT_EQ(WindowDevice::VisualFor(*api, *display, id) != 0, Has(p, Pfd::DrawToWindow)) << id;
-    }
-    EXPECT_TRUE(windows > 0 && windows < count) << windows << " of " << count;
 }
 
 }  // namespace
