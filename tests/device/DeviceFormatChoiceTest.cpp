@@ -1,289 +1,228 @@
-// Format choice against scripted pixel-format lists.
+// Format choice against scripted pixel-format lists: generated lists checked
+// against a reference chooser written out from the rules, hand-picked lists
+// for the subtle cases, and the ways around the chooser.
 #include "ogl/device/DeviceFormat.h"
 #include "ogl/device/DisplayHnd.h"
 #include "support/FakeOsApi.h"
+#include "support/Golden.h"
 #include "support/LogCapture.h"
 #include "support/ScopedEnv.h"
 
 #include <gtest/gtest.h>
 
-#include <functional>
-#include <tuple>
+#include <random>
+#include <sstream>
 
+namespace Tev::Test {
 namespace {
 
-using namespace Tev::Chart::Ogl;
-using Tev::Test::ScopedEnv;
-using Tev::Test::ScriptedFormats;
+using namespace Chart::Ogl;
 using Descriptor = PixelFormatDescriptor;
 using Request = DeviceFormatRequest;
-using Edit = std::function<void(Descriptor&)>;
+using Formats = std::vector<std::optional<Descriptor>>;
+constexpr unsigned SystemPick = 99;  // what the scripted system chooser answers
 
-// The vendor driver's format with p_edit applied.
-Descriptor Make(Edit const& p_edit) {
-    Descriptor pfd = Tev::Test::DriverFormat();
-    if (p_edit) p_edit(pfd);
-    return pfd;
+// A request for p_devices (0 window, 1 off-screen) and p_acceleration (0
+// hardware, 1 software) with double buffering, depth, stencil, diagnostics.
+Request Ask(int p_devices, int p_acceleration, bool p_double = false, bool p_depth = false, bool p_stencil = false, bool p_diag = false) {
+    return {std::uint32_t(p_devices), {0, 0}, std::uint32_t(p_acceleration), p_double, p_depth, p_stencil, p_diag, {}};
+}
+bool Has(Descriptor const& p, std::uint32_t p_flags) { return (p.dwFlags & p_flags) != 0; }
+bool In(int p_bits, int p_low, int p_high) { return p_bits >= p_low && p_bits <= p_high; }
+
+// The rejection rules. An OpenGL format can always draw to a pbuffer, so a
+// hardware off-screen request asks nothing more of it.
+bool Fits(Descriptor const& p, bool p_mesa, Request const& r) {
+    bool const window = r.devices == Request::Window, software = r.acceleration == Request::Software;
+    return Has(p, Pfd::SupportOpenGL) && p.iPixelType == Pfd::TypeRGBA && p.iLayerType == 0 &&
+           (!window || Has(p, Pfd::DrawToWindow)) && (p_mesa || !Has(p, Pfd::GenericFormat | Pfd::GenericAccelerated)) &&
+           (window || !software || Has(p, Pfd::DrawToBitmap)) && (!r.doubleBuffered || Has(p, Pfd::DoubleBuffer)) &&
+           In(p.cRedBits, 5, 8) && In(p.cGreenBits, 5, 8) && In(p.cBlueBits, 5, 8) && (p_mesa || In(p.cAlphaBits, 5, 8)) &&
+           (!r.depthBuffer || p.cDepthBits >= 8) && (!r.stencilBuffer || p.cStencilBits >= 4);
 }
 
-Edit Flags(std::uint32_t p_set, std::uint32_t p_clear = 0) {
-    return [=](Descriptor& p) { p.dwFlags = (p.dwFlags | p_set) & ~p_clear; };
+// The scores of c against the best so far b, and whether c takes b's place.
+bool Replaces(Descriptor const& c, Descriptor const& b, Request const& r) {
+    auto const fast = [](Descriptor const& p) { return !Has(p, Pfd::GenericFormat) || Has(p, Pfd::GenericAccelerated); };
+    auto const exchange = [](Descriptor const& p) { return !Has(p, Pfd::SwapCopy) || Has(p, Pfd::SwapExchange); };
+    auto const prefer = [](bool p_c, bool p_b, bool p_good) { return p_c == p_b ? 0 : p_c == p_good ? 1 : -1; };
+    auto const buffer = [](bool p_wanted, int p_c, int p_b) { return p_wanted ? p_c - p_b : p_c == 0 ? 1 : -1; };
+    int const bits[] = {c.cGreenBits - b.cGreenBits, c.cAlphaBits - b.cAlphaBits, buffer(r.depthBuffer, c.cDepthBits, b.cDepthBits),
+                        buffer(r.stencilBuffer, c.cStencilBits, b.cStencilBits)};
+    int const shallow[] = {b.cGreenBits < 8, b.cAlphaBits < 8, b.cDepthBits < 24, b.cStencilBits < 8};
+    int const modes[] = {r.acceleration == Request::Software ? 0 : prefer(fast(c), fast(b), true),
+                         prefer(exchange(c), exchange(b), true),
+                         prefer(Has(c, Pfd::DoubleBuffer), Has(b, Pfd::DoubleBuffer), r.doubleBuffered)};
+    bool gain = false, loss = false, bitLoss = false, deepens = false;
+    for (int i = 0; i < 4; ++i) gain |= bits[i] > 0, bitLoss |= bits[i] < 0, deepens |= bits[i] > 0 && shallow[i];
+    for (int const mode : modes) gain |= mode > 0, loss |= mode < 0;
+    return gain && (!(loss || bitLoss) || (!bitLoss && deepens));
 }
-Edit Depth(int p_bits) { return [=](Descriptor& p) { p.cDepthBits = std::uint8_t(p_bits); }; }
-Edit Stencil(int p_bits) { return [=](Descriptor& p) { p.cStencilBits = std::uint8_t(p_bits); }; }
-Edit Alpha(int p_bits) { return [=](Descriptor& p) { p.cAlphaBits = std::uint8_t(p_bits); }; }
-Edit Rgb(int p_r, int p_g, int p_b) {
-    return [=](Descriptor& p) { p.cRedBits = std::uint8_t(p_r), p.cGreenBits = std::uint8_t(p_g), p.cBlueBits = std::uint8_t(p_b); };
-}
-Edit Both(Edit p_first, Edit p_second) { return [=](Descriptor& p) { p_first(p), p_second(p); }; }
-Edit const SwapCopy = Flags(Pfd::SwapCopy, Pfd::SwapExchange);
-Edit const Single = Flags(0, Pfd::DoubleBuffer);
-Edit const SlowGeneric = Flags(Pfd::GenericFormat);
-Edit const FastGeneric = Flags(Pfd::GenericFormat | Pfd::GenericAccelerated);
 
-// A request for p_devices and p_acceleration, with the buffers named in
-// p_buffers: 'D'ouble buffering, 'd'epth, 's'tencil.
-Request Ask(std::uint32_t p_devices, std::uint32_t p_acceleration, std::string const& p_buffers = "") {
-    auto const has = [&](char p_c) { return p_buffers.find(p_c) != std::string::npos; };
-    return {p_devices, {0, 0}, p_acceleration, has('D'), has('d'), has('s'), false, {}};
+// What the chooser should pick: the first best fitting format, else the
+// system chooser's answer. A list whose first format fails to describe has
+// no formats at all.
+unsigned Reference(Formats const& p_formats, bool p_mesa, Request const& p_request) {
+    unsigned best = 0;
+    for (unsigned id = 1; id <= p_formats.size() && p_formats[0]; ++id)
+        if (auto const& f = p_formats[id - 1]; f && Fits(*f, p_mesa, p_request) && (!best || Replaces(*f, *p_formats[best - 1], p_request)))
+            best = id;
+    return best ? best : SystemPick;
 }
-Request const Window = Ask(Request::Window, Request::Hardware);
-Request const Full = Ask(Request::Window, Request::Hardware, "ds");
 
-// The environment may carry either flag; every test starts without both.
+// The vendor driver's format with the given buffers and flags changed.
+Descriptor Format(int p_depth, int p_stencil = 8, int p_alpha = 8, std::uint32_t p_set = 0, std::uint32_t p_clear = 0) {
+    Descriptor p = DriverFormat();
+    p.cDepthBits = std::uint8_t(p_depth), p.cStencilBits = std::uint8_t(p_stencil), p.cAlphaBits = std::uint8_t(p_alpha);
+    p.dwFlags = (p.dwFlags | p_set) & ~p_clear;
+    return p;
+}
+
+// Both flags cleared: every test starts with the chooser in charge.
 class DeviceFormatChoice : public ::testing::Test {
 protected:
+    unsigned Choose(Formats const& p_formats, bool p_system, Request const& p_request) {
+        ScriptedFormats script(p_formats);
+        script.chooseResult = int(SystemPick);
+        DeviceFormat const chosen = DeviceFormat::ChooseDeviceFormat(ScriptedFormats::Table(p_system), _display, p_request);
+        EXPECT_EQ(script.chooseRequests.size(), chosen.id == SystemPick ? 1u : 0u);
+        EXPECT_EQ(chosen.enableDiagnostics, p_request.enableDiagnostics);
+        return chosen.id;
+    }
+
     ScopedEnv _noForced{"TEVOS_FORCE_PIXEL_FORMAT", nullptr};
     ScopedEnv _noSystem{"TEVOS_USE_SYSTEM_DEVICE_FORMAT", nullptr};
     DisplayHnd const _display;
 };
 
-// The chooser rejected every format and took what the system chooser
-// answered (1).
-constexpr DeviceFormat::Id Asked = 0;
+// Random lists near every rule's bounds, on both tables and all requests.
+TEST_F(DeviceFormatChoice, PicksWhatTheRulesPickOnGeneratedLists) {
+    std::mt19937 rng(1234);
+    auto const pick = [&](std::initializer_list<int> p_values) { return p_values.begin()[rng() % p_values.size()]; };
+    // Values that break a rule come one time in twelve.
+    auto const mostly = [&](std::initializer_list<int> p_usual, std::initializer_list<int> p_rare) { return rng() % 12 ? pick(p_usual) : pick(p_rare); };
+    int replaced = 0, fellBack = 0;
+    for (int list = 0; list < 10000; ++list) {
+        Request const request = Ask(pick({0, 1}), pick({0, 1}), pick({0, 1}), pick({0, 1}), pick({0, 1}), pick({0, 1}));
+        bool const system = pick({0, 1});
+        Formats formats(pick({1, 2, 3, 4, 5, 6, 7}));
+        for (auto& format : formats) {
+            if (&format != &formats[0] && pick({0, 0, 0, 0, 0, 0, 0, 1})) continue;  // fails to describe
+            Descriptor p = Format(mostly({24, 24, 16, 32, 8}, {0, 7}), mostly({8, 8, 0, 4, 16}, {3}), mostly({8, 8, 5, 0}, {4, 9}));
+            p.cRedBits = std::uint8_t(mostly({8, 8, 5}, {4, 9})), p.cGreenBits = std::uint8_t(mostly({8, 8, 6, 5}, {4, 9}));
+            p.cBlueBits = std::uint8_t(mostly({8}, {4, 9}));
+            p.dwFlags = 0;
+            for (auto const [flag, odds] : {std::pair{Pfd::SupportOpenGL, 15}, {Pfd::DrawToWindow, 14}, {Pfd::DrawToBitmap, 12},
+                                            {Pfd::DoubleBuffer, 12}, {Pfd::SwapExchange, 8}, {Pfd::SwapCopy, 8},
+                                            {Pfd::GenericFormat, 2}, {Pfd::GenericAccelerated, 2}})
+                p.dwFlags |= int(rng() % 16) < odds ? flag : 0;  // odds in 16
+            p.iPixelType = rng() % 16 ? Pfd::TypeRGBA : Pfd::TypeColorIndex;
+            p.iLayerType = rng() % 16 ? 0 : 1;
+            format = p;
+        }
+        unsigned const expected = Reference(formats, !system, request);
+        fellBack += expected == SystemPick;
+        for (unsigned id = 1; id < expected && id <= formats.size(); ++id)
+            replaced += formats[id - 1] && Fits(*formats[id - 1], !system, request);
+        ASSERT_EQ(Choose(formats, system, request), expected) << "list " << list;
+    }
+    // Enough lists both fall back and see a later format win.
+    EXPECT_GT(fellBack, 2000) << replaced;
+    EXPECT_GT(replaced, 300) << fellBack;
+}
 
-TEST_F(DeviceFormatChoice, RejectionRulesScoresAndTheDecisionRulePickTheFormat) {
-    Request const depth = Ask(Request::Window, Request::Hardware, "d");
-    Request const softOffscreen = Ask(Request::Offscreen, Request::Software);
+// The cases a random list rarely hits just so.
+TEST_F(DeviceFormatChoice, HandPickedListsPickTheirFormat) {
+    Request const full = Ask(0, 0, false, true, true), window = Ask(0, 0), depth = Ask(0, 0, false, true);
     struct Row {
         char const* name;
         bool system;
         Request request;
-        std::vector<Edit> formats;
-        DeviceFormat::Id expected;
+        Formats formats;
+        unsigned expected;
     } const rows[] = {
-        {"a vendor format fits", true, Window, {nullptr}, 1},
-        {"no OpenGL", true, Window, {Flags(0, Pfd::SupportOpenGL)}, Asked},
-        {"colour index", true, Window, {[](Descriptor& p) { p.iPixelType = Pfd::TypeColorIndex; }}, Asked},
-        {"overlay plane", true, Window, {[](Descriptor& p) { p.iLayerType = 1; }}, Asked},
-        {"window request, no window", true, Window, {Flags(0, Pfd::DrawToWindow)}, Asked},
-        {"hardware off-screen, no bitmap", true, Ask(Request::Offscreen, Request::Hardware), {Flags(0, Pfd::DrawToBitmap)}, 1},
-        {"generic system format", true, Window, {SlowGeneric}, Asked},
-        {"generic Mesa format", false, Window, {SlowGeneric}, 1},
-        {"software off-screen, no bitmap", false, softOffscreen, {Flags(0, Pfd::DrawToBitmap)}, Asked},
-        {"software off-screen, bitmap", false, softOffscreen, {Flags(0, Pfd::DrawToWindow)}, 1},
-        {"double buffering wanted", true, Ask(Request::Window, Request::Hardware, "D"), {Single}, Asked},
-        {"single buffering accepted", true, Window, {Single}, 1},
-        {"red 4 bits", true, Window, {Rgb(4, 8, 8)}, Asked},
-        {"green 9 bits", true, Window, {Rgb(8, 9, 8)}, Asked},
-        {"blue 5 bits", true, Window, {Rgb(8, 8, 5)}, 1},
-        {"system alpha 4", true, Window, {Alpha(4)}, Asked},
-        {"system alpha 5", true, Window, {Alpha(5)}, 1},
-        {"Mesa alpha 0", false, Window, {Alpha(0)}, 1},
-        {"depth wanted, 0", true, depth, {Depth(0)}, Asked},
-        {"depth wanted, 8", true, depth, {Depth(8)}, 1},
-        {"stencil wanted, 3", true, Ask(Request::Window, Request::Hardware, "s"), {Stencil(3)}, Asked},
-        {"stencil wanted, 4", true, Ask(Request::Window, Request::Hardware, "s"), {Stencil(4)}, 1},
-        // With depth and stencil requested their scores are plain
-        // differences; without, every format that has the buffer scores -1
-        // against the best.
-        {"a tie keeps the lower id", true, Full, {nullptr, nullptr}, 1},
-        {"no unwanted buffers wins", true, Window, {nullptr, Both(Depth(0), Stencil(0))}, 2},
-        {"no unwanted stencil wins", true, depth, {Stencil(8), Stencil(0)}, 2},
-        {"an unwanted stencil loses", true, depth, {Stencil(0), Stencil(8)}, 1},
-        {"an unwanted stencil outweighs no unwanted depth", true, Window, {nullptr, Depth(0)}, 1},
-        {"deeper 24 copy replaces 16 exchange", true, Full, {Depth(16), Both(Depth(24), SwapCopy)}, 2},
-        {"32 copy does not replace 24 exchange", true, Full, {Depth(24), Both(Depth(32), SwapCopy)}, 1},
-        {"exchange beats copy", true, Full, {SwapCopy, nullptr}, 2},
-        {"matching single buffering wins", true, Full, {nullptr, Single}, 2},
-        {"more green wins", true, Full, {Rgb(5, 6, 5), nullptr}, 2},
-        {"a colour gain with a depth loss stays out", true, Full, {Rgb(5, 6, 5), Depth(16)}, 1},
-        {"a colour gain pays for a copy swap", true, Full, {Rgb(5, 6, 5), SwapCopy}, 2},
-        {"an alpha gain pays for a copy swap", true, Full, {Alpha(5), SwapCopy}, 2},
-        {"a stencil gain pays below 8 bits", true, Full, {Stencil(4), Both(Stencil(8), SwapCopy)}, 2},
-        {"but not from 8 bits on", true, Full, {Stencil(8), Both(Stencil(16), SwapCopy)}, 1},
-        {"later formats meet the best so far", true, Full, {Depth(16), Depth(24), Both(Depth(32), SwapCopy)}, 2},
-        {"Mesa alpha counts", false, Full, {Alpha(0), nullptr}, 2},
-        {"acceleration wins on a hardware request", false, Full, {SlowGeneric, FastGeneric}, 2},
-        {"acceleration is no score for software", false, Ask(Request::Window, Request::Software, "ds"),
-         {SlowGeneric, FastGeneric}, 1},
-        {"depth pays for lost acceleration", false, Full, {Both(FastGeneric, Depth(16)), Both(SlowGeneric, Depth(24))}, 2},
+        {"24 copy replaces 16 exchange", true, full, {Format(16), Format(24, 8, 8, Pfd::SwapCopy, Pfd::SwapExchange)}, 2},
+        {"32 copy leaves 24 exchange", true, full, {Format(24), Format(32, 8, 8, Pfd::SwapCopy, Pfd::SwapExchange)}, 1},
+        {"a tie keeps the lower id", true, full, {Format(24), Format(24)}, 1},
+        {"stencil 0 beats 8 unasked", true, depth, {Format(24, 8), Format(24, 0)}, 2},
+        {"generic system formats", true, window, {Format(24, 8, 8, Pfd::GenericFormat), Format(24, 8, 8, Pfd::GenericAccelerated)}, SystemPick},
+        {"Mesa alpha 0", false, window, {Format(24, 8, 0)}, 1},
+        {"system alpha 0", true, window, {Format(24, 8, 0)}, SystemPick},
+        {"ids stay the driver's past a failed one", true, window, {Format(24, 8, 4), std::nullopt, Format(24, 0)}, 3},
     };
     for (Row const& row : rows) {
         SCOPED_TRACE(row.name);
-        std::vector<std::optional<Descriptor>> formats;
-        for (Edit const& edit : row.formats) formats.push_back(Make(edit));
-        ScriptedFormats script(formats);
-        script.chooseResult = 1;
-        DeviceFormat const chosen = DeviceFormat::ChooseDeviceFormat(ScriptedFormats::Table(row.system), _display, row.request);
-        EXPECT_EQ(script.chooseRequests.size(), row.expected == Asked ? 1u : 0u);
-        EXPECT_EQ(chosen.id, row.expected == Asked ? 1u : row.expected);
+        EXPECT_EQ(Reference(row.formats, !row.system, row.request), row.expected);
+        EXPECT_EQ(Choose(row.formats, row.system, row.request), row.expected);
     }
 }
 
-TEST_F(DeviceFormatChoice, ConvertsDescriptorFlagsAndCounts) {
-    std::uint32_t const bitmap = DeviceFormat::DeviceBit(DeviceFormat::Bitmap);
-    std::uint32_t const window = DeviceFormat::DeviceBit(DeviceFormat::Window);
-    std::uint32_t const pbuffer = DeviceFormat::DeviceBit(DeviceFormat::Pbuffer);
-    using Converted = std::tuple<std::uint32_t, DeviceFormat::DriverModel, bool, DeviceFormat::BufferSwapMode>;
-    struct Row {
-        std::uint32_t flags;
-        Converted converted;  // devices, driver model, accelerated, swap
-    } const rows[] = {
-        {Pfd::DrawToWindow | Pfd::SwapExchange, {window | pbuffer, DeviceFormat::ICD, true, DeviceFormat::Exchange}},
-        {Pfd::DrawToBitmap | Pfd::SwapCopy, {bitmap | pbuffer, DeviceFormat::ICD, true, DeviceFormat::Copy}},
-        {Pfd::SwapCopy | Pfd::SwapExchange, {0, DeviceFormat::ICD, true, DeviceFormat::Exchange}},
-        {Pfd::SupportDirectDraw | Pfd::GenericFormat, {pbuffer, DeviceFormat::MCD, false, DeviceFormat::Exchange}},
-        {Pfd::DoubleBuffer | Pfd::GenericFormat | Pfd::GenericAccelerated,
-         {pbuffer, DeviceFormat::MCD, true, DeviceFormat::Exchange}},
-        {Pfd::SupportGdi | Pfd::GenericAccelerated, {0, DeviceFormat::MCD, true, DeviceFormat::Exchange}},
-    };
-    for (Row const& row : rows) {
-        SCOPED_TRACE(row.flags);
-        ScriptedFormats script({Make(Flags(row.flags, ~row.flags))});
-        DeviceFormat const f = DeviceFormat::GetDeviceFormat(ScriptedFormats::Table(true), _display, 1u);
-        EXPECT_EQ(Converted(f.supportedDevices, f.driverModel, f.accelerated, f.swapType), row.converted);
-        EXPECT_EQ(std::tuple(f.gdi, f.doubleBuffered, f.openGL),
-                  std::tuple((row.flags & Pfd::SupportGdi) != 0, (row.flags & Pfd::DoubleBuffer) != 0, false));
-    }
-
-    Descriptor counts = Make(Flags(Pfd::Stereo));
-    counts.iPixelType = Pfd::TypeColorIndex;
-    counts.cColorBits = 30, counts.cRedBits = 10, counts.cGreenBits = 9, counts.cBlueBits = 11, counts.cAlphaBits = 2;
-    counts.cDepthBits = 32, counts.cAccumBits = 64, counts.cStencilBits = 4, counts.cAuxBuffers = 3, counts.iLayerType = 2;
-    ScriptedFormats script({counts});
-    DeviceFormat const format = DeviceFormat::GetDeviceFormat(ScriptedFormats::Table(false), _display, 1u);
-    EXPECT_TRUE(format.id == 1u && format.currentDevice == DeviceFormat::UnknownDevice);
-    EXPECT_TRUE(format.openGL && format.stereo && format.mesaSoftware && format.pixelType == DeviceFormat::ColorIndex);
-    EXPECT_EQ(std::vector<std::uint32_t>({format.colorBits, format.redBits, format.greenBits, format.blueBits,
-                                          format.alphaBits, format.depthBits, format.accumBits, format.stencilBits,
-                                          format.auxBuffers, format.layerPlane}),
-              std::vector<std::uint32_t>({30, 10, 9, 11, 2, 32, 64, 4, 3, 2}));
-}
-
-TEST_F(DeviceFormatChoice, EnumeratesOnlyDescribableFormatsAndReportsTheNullId) {
-    ScriptedFormats script({Make(nullptr), std::nullopt, Make(nullptr), std::nullopt});
+// Ids are enumerated from format 1's count, skipping formats that fail to
+// describe; the OSMesa display has its one fixed format, the null id is
+// reported.
+TEST_F(DeviceFormatChoice, EnumeratesDescribableFormatsOnly) {
+    ScriptedFormats script({DriverFormat(), std::nullopt, DriverFormat(), std::nullopt});
     OsApi const api = ScriptedFormats::Table(true);
     EXPECT_EQ(DeviceFormat::GetAllDeviceFormats(api, _display), std::vector<DeviceFormat::Id>({1, 3}));
     EXPECT_EQ(script.describedIds, std::vector<int>({1, 1, 2, 3, 4}));
-
-    Tev::Debug::CaptureScope capture;
-    script.describedIds.clear();
-    DeviceFormat const null = DeviceFormat::GetDeviceFormat(api, _display, DeviceFormat::NullFormatId);
-    EXPECT_EQ(Tev::Test::Assertions(capture),
-              std::vector<std::string>({"\"(p_id != NullFormatId) && \" Invalid Device Format id!\"\" - static "
-                                        "Tev::Chart::Ogl::DeviceFormat Tev::Chart::Ogl::DeviceFormat::GetDeviceFormat("
-                                        "const Tev::Chart::Ogl::OsApi&, const Tev::Chart::Ogl::DisplayHnd&, const "
-                                        "unsigned int&)"}));
-    EXPECT_TRUE(script.describedIds == std::vector<int>({0}) && null.id == DeviceFormat::NullFormatId);
-
+    DisplayHnd const& osmesa = DisplayHnd::OSMesaDisplay;
+    EXPECT_EQ(DeviceFormat::GetAllDeviceFormats(api, osmesa), std::vector<DeviceFormat::Id>({DeviceFormat::OSMesaFormatId}));
+    ScopedEnv forced("TEVOS_FORCE_PIXEL_FORMAT", "1");
+    DeviceFormat const mesa = DeviceFormat::ChooseDeviceFormat(api, osmesa, Request{});
+    EXPECT_TRUE(mesa.id == DeviceFormat::OSMesaFormatId && mesa.supportedDevices == DeviceFormat::DeviceBit(DeviceFormat::OSMesa));
+    EXPECT_FALSE(mesa.openGL || mesa.mesaSoftware || mesa.doubleBuffered || mesa.depthBits || mesa.colorBits);
+    EXPECT_TRUE(script.describedIds.size() == 5 && script.chooseRequests.empty());
+    // Elsewhere the OSMesa id is one more id for the driver to reject.
+    DeviceFormat::GetDeviceFormat(api, _display, DeviceFormat::OSMesaFormatId);
+    EXPECT_EQ(script.describedIds.back(), -1);
     script.formats.clear();
     EXPECT_TRUE(DeviceFormat::GetAllDeviceFormats(api, _display).empty());
 }
 
-TEST_F(DeviceFormatChoice, TheOSMesaDisplayHasOneFixedFormat) {
-    ScriptedFormats script({Make(nullptr)});
-    OsApi const api = ScriptedFormats::Table(false);
-    DisplayHnd const& osmesa = DisplayHnd::OSMesaDisplay;
-    EXPECT_EQ(DeviceFormat::GetAllDeviceFormats(api, osmesa), std::vector<DeviceFormat::Id>({DeviceFormat::OSMesaFormatId}));
-    ScopedEnv forced("TEVOS_FORCE_PIXEL_FORMAT", "1");
-    DeviceFormat const format = DeviceFormat::ChooseDeviceFormat(api, osmesa, Ask(Request::Window, Request::Software, "Dd"));
-    EXPECT_TRUE(format.id == DeviceFormat::OSMesaFormatId &&
-                format.supportedDevices == DeviceFormat::DeviceBit(DeviceFormat::OSMesa));
-    EXPECT_FALSE(format.openGL || format.mesaSoftware || format.doubleBuffered);
-    EXPECT_EQ(format.depthBits + format.colorBits + format.greenBits, 0u);
-    EXPECT_TRUE(script.describedIds.empty() && script.chooseRequests.empty());
-
-    // On an ordinary display the OSMesa id is just an id the driver rejects.
-    DeviceFormat::GetDeviceFormat(api, _display, DeviceFormat::OSMesaFormatId);
-    EXPECT_EQ(script.describedIds, std::vector<int>({-1}));
-}
-
-TEST_F(DeviceFormatChoice, SystemChooserAsksWithTheRequestDescriptor) {
-    Request request = Ask(Request::Window, Request::Hardware, "Dds");
-    request.enableDiagnostics = true;
-    ScriptedFormats script({Make(nullptr), Make(Single)});
+// The system chooser's descriptors, the forced format's log and the null
+// id's report, in tests/golden/device/chooser-log.txt; a system table
+// without a format throws, Mesa falls back to format 1.
+TEST_F(DeviceFormatChoice, SystemChooserForcedFormatsAndTheirLogs) {
+    ScriptedFormats script({Format(24, 8, 0, Pfd::GenericFormat), Format(24, 8, 8, 0, Pfd::DoubleBuffer),
+                            [] { Descriptor p = DriverFormat(); return p.iPixelType = Pfd::TypeColorIndex, p; }()});
+    Debug::CaptureScope capture;
+    std::vector<std::string> log;
     script.chooseResult = 2;
-    DeviceFormat const chosen = DeviceFormat::ChooseDeviceFormatSystem(ScriptedFormats::Table(true), _display, request);
-    EXPECT_TRUE(chosen.id == 2u && !chosen.doubleBuffered && chosen.enableDiagnostics);
-
-    struct Row {
-        Request request;
-        std::uint32_t flags;
-        int depth, stencil;
-    } const rows[] = {
-        {request, Pfd::GenericAccelerated | Pfd::DrawToWindow | Pfd::DoubleBuffer, 64, 128},
-        {Ask(Request::Offscreen, Request::Hardware), Pfd::GenericAccelerated | Pfd::DrawToBitmap | Pfd::DoubleBufferDontCare, 0, 0},
-        {Ask(Request::Offscreen, Request::Software, "d"), Pfd::GenericFormat | 0x202D | Pfd::DoubleBufferDontCare, 64, 0},
-        {Ask(Request::Window, Request::Software, "D"), Pfd::GenericFormat | Pfd::DrawToWindow | Pfd::DoubleBuffer, 0, 0},
-    };
-    for (Row const& row : rows) {
-        SCOPED_TRACE(row.flags);
-        script.chooseRequests.clear();
-        DeviceFormat::ChooseDeviceFormatSystem(ScriptedFormats::Table(true), _display, row.request);
-        ASSERT_EQ(script.chooseRequests.size(), 1u);
-        Descriptor const& asked = script.chooseRequests[0];
-        EXPECT_EQ(std::vector<int>({asked.nSize, asked.nVersion, asked.iPixelType, asked.cColorBits, asked.cAlphaBits,
-                                    asked.cDepthBits, asked.cStencilBits}),
-                  std::vector<int>({40, 1, Pfd::TypeRGBA, 24, 8, row.depth, row.stencil}));
-        EXPECT_EQ(asked.dwFlags, row.flags | Pfd::SupportOpenGL | Pfd::StereoDontCare | Pfd::SwapExchange);
-        EXPECT_EQ(asked.cRedBits + asked.cGreenBits + asked.cBlueBits + asked.cAccumBits + asked.cAuxBuffers, 0);
+    for (Request const& request : {Ask(0, 0, true, true, true, true), Ask(1, 0), Ask(1, 1, false, true), Ask(0, 1, true), Ask(0, 7)}) {
+        DeviceFormat::ChooseDeviceFormatSystem(ScriptedFormats::Table(true), _display, request);
+        Descriptor const& p = script.chooseRequests.back();
+        std::ostringstream line;
+        line << std::hex << "flags " << p.dwFlags << std::dec;
+        for (int const field : std::initializer_list<int>{p.nSize, p.nVersion, p.iPixelType, p.cColorBits, p.cRedBits, p.cGreenBits, p.cBlueBits,
+                                p.cAlphaBits, p.cAccumBits, p.cDepthBits, p.cStencilBits, p.cAuxBuffers, p.iLayerType})
+            line << ' ' << field;
+        log.push_back(line.str());
     }
-
-    Tev::Debug::CaptureScope capture;
-    DeviceFormat::ChooseDeviceFormatSystem(ScriptedFormats::Table(true), _display, Ask(Request::Window, 7));
-    EXPECT_EQ(script.chooseRequests.back().dwFlags & (Pfd::GenericFormat | Pfd::GenericAccelerated), 0u);
-    EXPECT_TRUE(Tev::Test::HasAssertion(capture, "!\"Unknown acceleration requested\""));
-}
-
-TEST_F(DeviceFormatChoice, SystemChooserFailureThrowsForTheSystemAndFallsBackForMesa) {
-    ScriptedFormats script({Make(SlowGeneric), Make(SlowGeneric)});
+    script.chooseResult = 0;
     try {
-        DeviceFormat::ChooseDeviceFormat(ScriptedFormats::Table(true), _display, Window);
+        DeviceFormat::ChooseDeviceFormat(ScriptedFormats::Table(true), _display, Ask(0, 0, true));
         ADD_FAILURE() << "a system table without a usable format must throw";
     } catch (DeviceFormat::FailedDeterminingDeviceFormat const& failure) {
-        EXPECT_STREQ(failure.what(), "glX/gdi/mesa failed to determine the required device format");
+        log.push_back(failure.what());
     }
-    EXPECT_EQ(script.chooseRequests.size(), 1u);
-
-    script.formats = {Make(Alpha(0)), Make(Alpha(0))};
-    DeviceFormat const mesa = DeviceFormat::ChooseDeviceFormatSystem(ScriptedFormats::Table(false), _display, Window);
+    DeviceFormat const mesa = DeviceFormat::ChooseDeviceFormatSystem(ScriptedFormats::Table(false), _display, Request{});
     EXPECT_TRUE(mesa.id == 1u && mesa.alphaBits == 0u && mesa.mesaSoftware);
-}
 
-TEST_F(DeviceFormatChoice, EnvironmentForcesAFormatOrTheSystemChooser) {
-    ScriptedFormats script({Make(nullptr), Make(SlowGeneric), Make([](Descriptor& p) { p.iPixelType = Pfd::TypeColorIndex; })});
-    script.chooseResult = 2;
-    OsApi const api = ScriptedFormats::Table(true);
-    Request request = Window;
-    request.enableDiagnostics = true;
+    Request const diagnostics = Ask(0, 0, false, false, false, true);
     {
         ScopedEnv system("TEVOS_USE_SYSTEM_DEVICE_FORMAT", "1");
-        EXPECT_EQ(DeviceFormat::ChooseDeviceFormat(api, _display, request).id, 2u);
-        EXPECT_EQ(script.chooseRequests.size(), 1u);
-
+        script.chooseResult = 2;
+        DeviceFormat const chosen = DeviceFormat::ChooseDeviceFormat(ScriptedFormats::Table(true), _display, diagnostics);
+        EXPECT_TRUE(chosen.id == 2u && chosen.enableDiagnostics && !chosen.doubleBuffered);
+        // A forced id is taken as it is, before the system chooser.
         ScopedEnv forced("TEVOS_FORCE_PIXEL_FORMAT", "3");
-        Tev::Debug::CaptureScope capture;
-        DeviceFormat const format = DeviceFormat::ChooseDeviceFormat(api, _display, request);
-        EXPECT_TRUE(format.id == 3u && format.pixelType == DeviceFormat::ColorIndex && !format.enableDiagnostics);
-        std::ostringstream dump;
-        dump << format;
-        EXPECT_EQ(capture.Texts(Tev::Debug::Channel::Out),
-                  std::vector<std::string>({"Forced load of Pixel Format\n" + dump.str()}));
-        EXPECT_EQ(script.chooseRequests.size(), 1u);
+        DeviceFormat const format = DeviceFormat::ChooseDeviceFormat(ScriptedFormats::Table(true), _display, diagnostics);
+        EXPECT_TRUE(format.id == 3u && !format.enableDiagnostics && script.chooseRequests.size() == 8);
     }
-    DeviceFormat const chosen = DeviceFormat::ChooseDeviceFormat(api, _display, request);
-    EXPECT_TRUE(chosen.id == 1u && chosen.enableDiagnostics);
+    EXPECT_EQ(DeviceFormat::GetDeviceFormat(ScriptedFormats::Table(true), _display, DeviceFormat::NullFormatId).id, 0u);
+    for (Debug::LogEntry const& entry : capture.Entries()) log.push_back(Debug::ChannelName(entry.channel) + (": " + entry.text));
+    EXPECT_TRUE(MatchesGolden("device/chooser-log.txt", Lines(log)));
 }
 
 }  // namespace
+}  // namespace Tev::Test

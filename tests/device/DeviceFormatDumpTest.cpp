@@ -1,23 +1,24 @@
-// The log dumps of formats and requests, character for character.
+// The log dumps of formats, requests and the operating system, and the
+// formats that descriptors convert to, compared with
+// tests/golden/device/dumps.txt.
 #include "ogl/device/DeviceFormat.h"
+#include "ogl/device/DisplayHnd.h"
+#include "ogl/device/OsVersion.h"
+#include "support/FakeOsApi.h"
+#include "support/Golden.h"
 #include "support/LogCapture.h"
 
 #include <gtest/gtest.h>
 
 #include <sstream>
 
+namespace Tev::Test {
 namespace {
 
-using namespace Tev::Chart::Ogl;
+using namespace Chart::Ogl;
 
-template <typename T>
-std::string Dump(T const& p_value) {
+TEST(DeviceFormatDump, DumpsMatchTheGoldenText) {
     std::ostringstream out;
-    out << p_value;
-    return out.str();
-}
-
-TEST(DeviceFormatDump, FormatPrintsEveryFieldAligned) {
     DeviceFormat format;
     format.id = 7;
     format.supportedDevices = DeviceFormat::DeviceBit(DeviceFormat::Bitmap) | DeviceFormat::DeviceBit(DeviceFormat::Pbuffer);
@@ -26,69 +27,45 @@ TEST(DeviceFormatDump, FormatPrintsEveryFieldAligned) {
     format.openGL = format.mesaSoftware = format.doubleBuffered = format.enableDiagnostics = true;
     format.colorBits = 32, format.redBits = 8, format.greenBits = 7, format.blueBits = 6, format.alphaBits = 5;
     format.depthBits = 24, format.accumBits = 64, format.stencilBits = 8, format.auxBuffers = 2;
-    EXPECT_EQ(Dump(format),
-              "\n"
-              "\tId                          = 7\n"
-              "\tCurrentDevice               = Window\n"
-              "\tSupportedDevices            = Bitmap Pbuffer \n"
-              "\tOpenGL                      = True\n"
-              "\tGDI                         = False\n"
-              "\tDriver Model                = MCD\n"
-              "\tAccelerated                 = False\n"
-              "\tMesa Software               = True\n"
-              "\tPixel Type                  = RGBA\n"
-              "\tSwap Type                   = Copy\n"
-              "\tLayer Plane                 = 1\n"
-              "\tDouble Buffered             = True\n"
-              "\tStereo Buffer               = False\n"
-              "\tColor Bits                  = 32\t(8,7,6,5)\n"
-              "\tDepth Bits                  = 24\n"
-              "\tAccum Bits                  = 64\n"
-              "\tStencil Bits                = 8\n"
-              "\tAux Buffers                 = 2\n"
-              "\tEnable Diagnostics          = True\n");
-}
+    out << format;
+    // The label is left out.
+    DeviceFormatRequest request{DeviceFormatRequest::Offscreen, {0, 0}, DeviceFormatRequest::Software, false, true, false, false, "label"};
+    out << request << DeviceFormatRequest{} << "ids and unknown values:";
+    // Ids beyond the signed range, and values past their names, are errors.
+    for (DeviceFormat::Id const id : {DeviceFormat::OSMesaFormatId, DeviceFormat::NullFormatId, 0x80000000u, 0x7FFFFFFFu}) {
+        DeviceFormat special;
+        special.id = id;
+        out << special;
+    }
+    Debug::CaptureScope capture;
+    for (char const* text : {DeviceFormat::DeviceTypeText(DeviceFormat::DeviceType(5)), DeviceFormat::DriverModelText(DeviceFormat::DriverModel(3)),
+                             DeviceFormat::PixelTypeText(DeviceFormat::PixelType(3)), DeviceFormat::SwapModeText(DeviceFormat::BufferSwapMode(3)),
+                             DeviceFormat::SwapModeText(DeviceFormat::Exchange)})
+        out << text << ' ';
+    out << Assertions(capture).size() << " reported\n\ndescribed formats:";
+    // The vendor format with only the given flags, on the system table.
+    for (std::uint32_t const flags : {Pfd::DrawToWindow | Pfd::SwapExchange, Pfd::DrawToBitmap | Pfd::SwapCopy, Pfd::SwapCopy | Pfd::SwapExchange,
+                                      Pfd::SupportDirectDraw | Pfd::GenericFormat, Pfd::DoubleBuffer | Pfd::GenericFormat | Pfd::GenericAccelerated,
+                                      Pfd::SupportGdi | Pfd::GenericAccelerated}) {
+        PixelFormatDescriptor pfd = DriverFormat();
+        pfd.dwFlags = flags;
+        ScriptedFormats script({pfd});
+        out << DeviceFormat::GetDeviceFormat(ScriptedFormats::Table(true), DisplayHnd(), 1u);
+    }
+    // Every count, on the Mesa table.
+    PixelFormatDescriptor counts = DriverFormat();
+    counts.dwFlags |= Pfd::Stereo, counts.iPixelType = Pfd::TypeColorIndex;
+    counts.cColorBits = 30, counts.cRedBits = 10, counts.cGreenBits = 9, counts.cBlueBits = 11, counts.cAlphaBits = 2;
+    counts.cDepthBits = 32, counts.cAccumBits = 64, counts.cStencilBits = 4, counts.cAuxBuffers = 3, counts.iLayerType = 2;
+    ScriptedFormats script({counts});
+    out << DeviceFormat::GetDeviceFormat(ScriptedFormats::Table(false), DisplayHnd(), 1u) << "\nsystems:\n";
 
-TEST(DeviceFormatDump, RequestPrintsItsChoicesAndABlankLine) {
-    DeviceFormatRequest request;
-    request.devices = DeviceFormatRequest::Offscreen, request.acceleration = DeviceFormatRequest::Software;
-    request.depthBuffer = true, request.label = "not printed";
-    EXPECT_EQ(Dump(request),
-              "\tDevices            = Offscreen \n"
-              "\tAcceleration       = Software\n"
-              "\tDouble Buffered    = False\n"
-              "\tDepth Buffer       = True\n"
-              "\tStencil Buffer     = False\n"
-              "\tEnable Diagnostics = False\n"
-              "\n");
-    request.devices = DeviceFormatRequest::Window, request.acceleration = DeviceFormatRequest::Hardware;
-    std::string const head = "\tDevices            = Window \n\tAcceleration       = Hardware \n";
-    EXPECT_EQ(Dump(request).substr(0, head.size()), head);
-}
-
-TEST(DeviceFormatDump, SpecialIdsAndOutOfRangeValuesAreNamed) {
-    auto idLine = [](DeviceFormat::Id p_id) {
-        DeviceFormat format;
-        format.id = p_id;
-        std::string const text = Dump(format);
-        return text.substr(1, text.find('\n', 1) - 1);
-    };
-    EXPECT_EQ(idLine(DeviceFormat::OSMesaFormatId), "\tId                          = OSMesa");
-    EXPECT_EQ(idLine(DeviceFormat::NullFormatId), "\tId                          = (undefined)");
-    EXPECT_EQ(idLine(0x80000000u), "\tId                          = (ERROR)");
-    EXPECT_EQ(idLine(0x7FFFFFFFu), "\tId                          = 2147483647");
-
-    DeviceFormat unknown;
-    EXPECT_NE(Dump(unknown).find("\tCurrentDevice               = \n\tSupportedDevices            = \n"),
-              std::string::npos);
-    Tev::Debug::CaptureScope capture;
-    EXPECT_EQ((std::vector<std::string>{DeviceFormat::DeviceTypeText(DeviceFormat::DeviceType(5)),
-                                        DeviceFormat::DriverModelText(DeviceFormat::DriverModel(3)),
-                                        DeviceFormat::PixelTypeText(DeviceFormat::PixelType(3)),
-                                        DeviceFormat::SwapModeText(DeviceFormat::BufferSwapMode(3)),
-                                        DeviceFormat::SwapModeText(DeviceFormat::Exchange)}),
-              (std::vector<std::string>{"<ERROR>", "<ERROR>", "<ERROR>", "<ERROR>", "Exchange"}));
-    EXPECT_EQ(Tev::Test::Assertions(capture).size(), 4u);
+    using Detail::OsVersionDump;
+    for (auto const& version : {OsVersionDump(Detail::OsRelease{"Linux", "6.1.55-1-amd64", "x86_64", true}), OsVersionDump(std::nullopt)})
+        out << unsigned(version.Major()) << '.' << unsigned(version.Minor()) << ' ' << version.Text();
+    EXPECT_TRUE(MatchesGolden("device/dumps.txt", out.str()));
+    EXPECT_FALSE(Detail::QueryOsRelease().value().release.empty());
 }
 
 }  // namespace
+}  // namespace Tev::Test
