@@ -1,7 +1,6 @@
 // Device features from version, extensions and entry points against the
 // recording fake (thresholds, extension alternatives, missing entries and
 // their messages, masks), and the tracked extensions' names and parsing.
-#include "framework/LogText.h"
 #include "ogl/api/DeviceFeatures.h"
 #include "ogl/api/TglExtensions.h"
 #include "support/FakeGl.h"

@@ -1,7 +1,7 @@
 // Debug output against the recording fake: which function family is hooked
 // and with which arguments, the inserted messages and group markers before
 // and after setup, the log entries the callback writes and its text tables.
-#include "framework/LogText.h"
+#include "support/LogCapture.h"
 #include "ogl/api/OglDebug.h"
 #include "support/FakeGl.h"
 #include "support/Golden.h"

@@ -25,12 +25,7 @@ namespace Tev::Debug {
 namespace {
 
 // What a capture scope holds, one entry a line: "channel [category]: text".
-std::string LogText(CaptureScope const& p_capture) {
-    std::string text;
-    for (auto const& e : p_capture.Entries())
-        text += ChannelName(e.channel) + (e.category.empty() ? "" : " [" + e.category + "]") + ": " + e.text + "\n";
-    return text;
-}
+using Test::LogText;
 
 int probes = 0;
 bool Probe(bool p_result) { return ++probes, p_result; }
@@ -73,7 +68,7 @@ namespace Tev::Chart::Utility {
 namespace {
 
 using Trace = std::vector<std::string>;
-using Debug::LogText;
+using Test::LogText;
 using Test::MatchesGolden;
 using Test::ScopedEnv;
 

@@ -13,4 +13,11 @@ bool HasAssertion(Debug::CaptureScope const& p_capture, std::string const& p_con
     return false;
 }
 
+std::string LogText(Debug::CaptureScope const& p_capture) {
+    std::string text;
+    for (auto const& e : p_capture.Entries())
+        text += Debug::ChannelName(e.channel) + (e.category.empty() ? "" : " [" + e.category + "]") + ": " + e.text + "\n";
+    return text;
+}
+
 }  // namespace Tev::Test

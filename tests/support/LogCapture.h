@@ -16,4 +16,8 @@ std::vector<std::string> Assertions(Debug::CaptureScope const& p_capture);
 // whatever the function signature after it.
 bool HasAssertion(Debug::CaptureScope const& p_capture, std::string const& p_condition);
 
+// Everything the scope holds, for golden files: one entry a line,
+// "channel [category]: text", with the text as written.
+std::string LogText(Debug::CaptureScope const& p_capture);
+
 }  // namespace Tev::Test
