@@ -2,6 +2,7 @@
 
 #include "framework/debug/Debug.h"
 #include "ogl/api/ApiExceptions.h"
+#include "ogl/api/EntryProviders.h"
 #include "ogl/api/GlImplementation.h"
 #include "ogl/api/Tokens.h"
 
@@ -61,6 +62,15 @@ Utility::VersionNo GetVersionNo(Detail::GlImplementation const& p_impl, GLenum p
     return Utility::VersionNo::Parse(text ? text : "");
 }
 
+// The context's extension string, empty when it cannot be read: then only
+// what its version provides is loaded.
+std::string GetExtensions(Detail::GlImplementation const& p_impl) {
+    StringQuery const query(p_impl);
+    char const* text = nullptr;
+    if (!query.Usable() || !query.Read(TGL_EXTENSIONS, text) || !text) return {};
+    return text;
+}
+
 Vendors GetVendor(Detail::GlImplementation const& p_impl) {
     StringQuery const query(p_impl);
     char const* text = nullptr;
@@ -77,8 +87,15 @@ void* RejectBogusAddress(void* p_address) {
     return (value >= 1 && value <= 3) || value == -1 ? nullptr : p_address;
 }
 
+// An extension entry the context does not provide is not looked up at all:
+// the lookup may answer with a stub (EntryProviders.cpp).
+void* LookUp(QueryProcAddress const& p_procAddress, Detail::EntryProviders const& p_providers,
+             char const* p_symbol) {
+    return p_providers.Provides(p_symbol) ? RejectBogusAddress(p_procAddress(p_symbol)) : nullptr;
+}
+
 void* Resolve(Detail::GlImplementation const& p_impl, QueryProcAddress const& p_procAddress,
-              EntryKind p_kind, char const* p_symbol) {
+              Detail::EntryProviders const& p_providers, EntryKind p_kind, char const* p_symbol) {
     switch (p_kind) {
         case EntryKind::Direct:
             if (void* address = p_impl.FindGl(p_symbol)) return address;
@@ -87,10 +104,10 @@ void* Resolve(Detail::GlImplementation const& p_impl, QueryProcAddress const& p_
             if (void* address = p_impl.FindGlu(p_symbol)) return address;
             throw IncompleteOglImpl(p_symbol, ApiFailure::MissingDirect);
         case EntryKind::Required:
-            if (void* address = RejectBogusAddress(p_procAddress(p_symbol))) return address;
+            if (void* address = LookUp(p_procAddress, p_providers, p_symbol)) return address;
             throw IncompleteOglImpl(p_symbol, ApiFailure::MissingExtension);
         case EntryKind::Optional:
-            return RejectBogusAddress(p_procAddress(p_symbol));
+            return LookUp(p_procAddress, p_providers, p_symbol);
     }
     return nullptr;
 }
@@ -101,8 +118,9 @@ void Bind(Function& p_member, void* p_address) {
 }
 
 void LoadEntries(OglApi& p_api, Detail::GlImplementation const& p_impl) {
+    Detail::EntryProviders const providers(p_api.GlVersion, GetExtensions(p_impl));
 #define TEV_OGL_ENTRY(kind, ret, member, symbol, params, args) \
-    Bind(p_api.member, Resolve(p_impl, p_api.ProcAddress, EntryKind::kind, symbol));
+    Bind(p_api.member, Resolve(p_impl, p_api.ProcAddress, providers, EntryKind::kind, symbol));
 #include "ogl/api/OglEntries.inl"
 #undef TEV_OGL_ENTRY
 }
