@@ -3,6 +3,7 @@
 #include "framework/debug/Debug.h"
 #include "ogl/api/OglApi.h"
 #include "ogl/api/Tokens.h"
+#include "ogl/tgl/Tgl.h"
 
 #include <sstream>
 
@@ -27,13 +28,16 @@ void TGL_APIENTRY Callback(GLenum p_source, GLenum p_type, GLuint p_id, GLenum p
 }
 
 // Both families take the same arguments; one routine sets up either.
+// p_hasOutputSwitch: the context knows GL_DEBUG_OUTPUT (GL_KHR_debug).
 template <typename ControlFn, typename CallbackFn>
-void Hook(OglApi const& p_gl, ControlFn p_control, CallbackFn p_callback) {
+void Hook(OglApi const& p_gl, bool p_hasOutputSwitch, ControlFn p_control, CallbackFn p_callback) {
     p_gl.Enable(TGL_DEBUG_OUTPUT_SYNCHRONOUS);
     // Workaround "debug-output-off-by-default": a context created without
     // the debug flag starts with GL_DEBUG_OUTPUT disabled and would deliver
-    // nothing; switching it on is harmless on a debug context.
-    p_gl.Enable(DebugOutput);
+    // nothing; switching it on is harmless on a debug context. The switch
+    // came with GL_KHR_debug: a GL_ARB_debug_output driver has no such
+    // capability, always delivers, and would raise "Invalid Enum" here.
+    if (p_hasOutputSwitch) p_gl.Enable(DebugOutput);
     if (!chkptr(p_control) || !chkptr(p_callback)) return;
     p_control(TGL_DONT_CARE, TGL_DONT_CARE, TGL_DONT_CARE, 0, nullptr, 1);
     p_callback(&Callback, nullptr);
@@ -41,13 +45,15 @@ void Hook(OglApi const& p_gl, ControlFn p_control, CallbackFn p_callback) {
 
 }  // namespace
 
+OglDebug::OglDebug(Tgl& p_tgl, OglApi const& p_gl) : _extensions(p_tgl.Extensions()), _gl(p_gl) {}
+
 OglDebug::OglDebug(ExtensionSet const& p_extensions, OglApi const& p_gl) : _extensions(p_extensions), _gl(p_gl) {}
 
 void OglDebug::SetupGLDebug() {
     if (_extensions.test(KHR_debug))
-        Hook(_gl, _gl.DebugMessageControl, _gl.DebugMessageCallback);
+        Hook(_gl, true, _gl.DebugMessageControl, _gl.DebugMessageCallback);
     else if (_extensions.test(ARB_debug_output))
-        Hook(_gl, _gl.DebugMessageControlARB, _gl.DebugMessageCallbackARB);
+        Hook(_gl, false, _gl.DebugMessageControlARB, _gl.DebugMessageCallbackARB);
     else
         sentry("");
     _enabled = true;
@@ -72,8 +78,10 @@ void OglDebug::InsertMessage(unsigned p_type, unsigned p_id, unsigned p_severity
 boost::shared_ptr<void> OglDebug::ScopedDebugGroup(unsigned p_id, std::string const& p_name) {
     if (!_enabled) return {};
     InsertMessage(TGL_DEBUG_TYPE_OTHER, p_id, TGL_DEBUG_SEVERITY_LOW, "BEGIN: " + p_name);
-    return boost::shared_ptr<void>(this, [this, p_id, p_name](void*) {
-        InsertMessage(TGL_DEBUG_TYPE_OTHER, p_id, TGL_DEBUG_SEVERITY_LOW, "END: " + p_name);
+    auto const self = _lifetime.Ref(*this);
+    return boost::shared_ptr<void>(this, [self, p_id, p_name](void*) {
+        if (self.Expired()) return;
+        self.Lock()->InsertMessage(TGL_DEBUG_TYPE_OTHER, p_id, TGL_DEBUG_SEVERITY_LOW, "END: " + p_name);
     });
 }
 

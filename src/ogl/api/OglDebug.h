@@ -2,6 +2,7 @@
 // the GL command stream with messages and named groups.
 #pragma once
 
+#include "framework/utility/Lifetime.h"
 #include "ogl/api/Export.h"
 #include "ogl/api/GlTypes.h"
 #include "ogl/api/TglExtensions.h"
@@ -13,11 +14,16 @@
 namespace Tev::Chart::Ogl {
 
 struct OglApi;
+class Tgl;
 
 class TEVOGL_API OglDebug {
 public:
-    // p_extensions is the facade's extension set; it must outlive this.
+    // Reads the extension set of p_tgl, which must outlive this.
+    OglDebug(Tgl& p_tgl, OglApi const& p_gl);
+    // For callers without a facade: p_extensions must outlive this.
     OglDebug(ExtensionSet const& p_extensions, OglApi const& p_gl);
+    OglDebug(OglDebug const&) = delete;
+    OglDebug& operator=(OglDebug const&) = delete;
 
     // Routes every driver message, synchronously, to the "ogldebug" error
     // log; with GL_KHR_debug through the core functions, else with
@@ -29,7 +35,8 @@ public:
     void InsertMessage(unsigned p_type, unsigned p_id, unsigned p_severity, std::string const& p_message);
 
     // Inserts "BEGIN: name" now and "END: name" when the handle is released;
-    // an empty handle before SetupGLDebug.
+    // an empty handle before SetupGLDebug. Released after this object has
+    // gone, the handle does nothing.
     boost::shared_ptr<void> ScopedDebugGroup(unsigned p_id, std::string const& p_name);
 
     bool Enabled() const { return _enabled; }
@@ -47,6 +54,8 @@ private:
     ExtensionSet const& _extensions;
     OglApi const& _gl;
     bool _enabled = false;
+    // Group handles check it before they insert their END message.
+    Utility::Lifetime _lifetime;
 };
 
 }  // namespace Tev::Chart::Ogl
