@@ -2,7 +2,9 @@
 // and with which arguments, the inserted messages and group markers before
 // and after setup, the log entries the callback writes and its text tables.
 #include "support/LogCapture.h"
+#include "ogl/api/DeviceFeatures.h"
 #include "ogl/api/OglDebug.h"
+#include "ogl/tgl/Tgl.h"
 #include "support/FakeGl.h"
 #include "support/Golden.h"
 
@@ -65,10 +67,33 @@ TEST_F(OglDebugTest, SetupHooksOneFamilyAndInsertsThroughIt) {
         group.reset();
         debug.InsertMessage(0x8251, 0, 0x9148, "copy still held");
         copy.reset();
+        // A handle released after its OglDebug has gone sends nothing.
+        auto orphan = debug.ScopedDebugGroup(5, "outlives its OglDebug");
+        OglDebugTest::debug.reset();
+        orphan.reset();
         text += CallText() + LogText(capture);
         fake.ClearCalls(), messages.clear();
     }
     EXPECT_TRUE(MatchesGolden("api/ogl-debug-setup.txt", text));
+}
+
+// The forms that take the facade: debug output reads the facade's
+// extensions, features are decided from its version and extensions, and a
+// writable weak handle to it expires with it.
+TEST_F(OglDebugTest, FormsTakingTheFacade) {
+    Debug::CaptureScope quiet;
+    fake.SetExtensions({"GL_ARB_debug_output"});
+    Chart::Utility::WeakWatchedRef<Tgl> handle;
+    {
+        Tgl tgl(api, DeviceFeatureMask::PermitAll());
+        EXPECT_EQ(DeviceFeatures(api, tgl).AllSupported(), tgl.Features().AllSupported());
+        fake.ClearCalls();
+        OglDebug(tgl, api).SetupGLDebug();
+        EXPECT_EQ(fake.Calls("glDebugMessageCallbackARB").size(), 1u);
+        handle = tgl;
+        EXPECT_EQ(handle.Lock().Get(), &tgl);
+    }
+    EXPECT_TRUE(handle.Expired());
 }
 
 // The callback writes one "ogldebug" error entry per message, its length

@@ -2,6 +2,7 @@
 
 #include "framework/debug/Debug.h"
 #include "ogl/api/OglApi.h"
+#include "ogl/tgl/Tgl.h"
 
 #include <stdexcept>
 
@@ -79,6 +80,12 @@ DeviceFeatures DeviceFeatures::Determine(OglApi const& p_gl, VersionNo const& p_
     f[OpenGL_Compatibility] = in.Has(ARB_compatibility);
     f[OpenGL_GeometryInstancingWithOffset] = InstancingWithOffset(p_gl, in);
     return DeviceFeatures(f);
+}
+
+DeviceFeatures::DeviceFeatures(OglApi const& p_gl, Tgl const& p_tgl) { DetermineSupportedFeatures(p_gl, p_tgl); }
+
+void DeviceFeatures::DetermineSupportedFeatures(OglApi const& p_gl, Tgl const& p_tgl) {
+    _features = Determine(p_gl, p_tgl.GlVersion(), p_tgl.Extensions())._features;
 }
 
 bool DeviceFeatures::Supported(Feature p_feature) const {

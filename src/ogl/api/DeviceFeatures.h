@@ -11,6 +11,7 @@
 namespace Tev::Chart::Ogl {
 
 struct OglApi;
+class Tgl;
 
 class TEVOGL_API DeviceFeatures {
 public:
@@ -31,10 +32,13 @@ public:
 
     // Nothing supported.
     DeviceFeatures() = default;
+    // What the implementation behind p_gl supports, judged by the GL version
+    // and extension set of p_tgl, the facade made on it.
+    DeviceFeatures(OglApi const& p_gl, Tgl const& p_tgl);
 
-    // What an implementation supports, from its GL version, its tracked
-    // extensions and the optional entries of its table. The facade calls
-    // this once, with its own version and extension set.
+    // The same from a version and an extension set, for callers without a
+    // facade: its GL version, its tracked extensions and the optional
+    // entries of its table.
     static DeviceFeatures Determine(OglApi const& p_gl, Utility::VersionNo const& p_glVersion,
                                     ExtensionSet const& p_extensions);
 
@@ -50,6 +54,7 @@ public:
 
 private:
     explicit DeviceFeatures(Set p_features) : _features(p_features) {}
+    void DetermineSupportedFeatures(OglApi const& p_gl, Tgl const& p_tgl);
 
     Set _features;
 };

@@ -64,6 +64,7 @@ public:
     OglApi const& Api() const { return *_impl; }
     Utility::WeakWatchedRef<const Tgl> ConstHandle() const;
     operator Utility::WeakWatchedRef<const Tgl>() const { return ConstHandle(); }
+    operator Utility::WeakWatchedRef<Tgl>() { return Handle(); }
 
     DeviceFeatures const& Features() const { return _features; }
     bool IsExtensionSupported(TglExtensions p_extension) const;
@@ -250,6 +251,7 @@ private:
     bool ChooseFBOApi();
     void ReadPointAndLineRanges();
     bool LightIndexValid(unsigned p_light) const;
+    static bool NeedsFlushBeforeLightingPush(Utility::VersionNo const& p_glVersion);
     // Makes a resource live against this facade: it learns the table and
     // watches the facade's lifetime. Every factory ends with this.
     void InitializeResource(TglResource& p_resource);
@@ -276,6 +278,8 @@ private:
     ExtensionSet _extensions;
     std::unique_ptr<FBOApi> _fboApi;
     bool _inBeginEnd = false;
+    // Workaround "mesa-color-material-push" (TglStacks.cpp).
+    bool _flushBeforeLightingPush = false;
     void (Tgl::*_pixelFunction)(int, int, double) = &Tgl::PixelDefault;
     double _pixelDepth = 0.0;
     TglLimits _limits;

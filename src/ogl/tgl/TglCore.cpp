@@ -28,10 +28,11 @@ Tgl::Tgl(OglApi const& p_api, DeviceFeatureMask const& p_requested)
       _glslVersion(_impl->GlslVersion),
       _hot(std::make_unique<TglHotEntries>(*_impl)),
       _extensions(ReadExtensions(*_impl)),
+      _flushBeforeLightingPush(NeedsFlushBeforeLightingPush(_glVersion)),
       _outputStageStack(boost::make_shared<std::deque<OutputStage>>(1, OutputStage::Forward)) {
     _bufferPool = boost::make_shared<BufferPool>(_lifetime.Ref(static_cast<OglApi const&>(*_impl)));
     _limits = TglLimits::Read(*_impl, _glVersion);
-    _supportedFeatures = DeviceFeatures::Determine(*_impl, _glVersion, _extensions);
+    _supportedFeatures = DeviceFeatures(*_impl, *this);
     _features = _supportedFeatures.Restricted(p_requested);
     _stateTracker = std::make_unique<StateTracker>(*_impl, _limits.lights, _limits.textureUnitsFragment,
                                                    [this] { return IsFixedFunction(); });
@@ -45,7 +46,7 @@ Tgl::Tgl(OglApi const& p_api, DeviceFeatureMask const& p_requested)
     _scissorStack.push_back(_currentScissor);
     ReadPointAndLineRanges();
 
-    _debug = std::make_unique<OglDebug>(_extensions, *_impl);
+    _debug = std::make_unique<OglDebug>(*this, *_impl);
     if (_features.Supported(DeviceFeatures::OpenGL_DebugOutput)) _debug->SetupGLDebug();
     InitializeResource(*_bufferPool);
 

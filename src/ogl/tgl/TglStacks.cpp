@@ -3,6 +3,7 @@
 
 #include "framework/debug/Debug.h"
 #include "ogl/api/OglApi.h"
+#include "ogl/api/Tokens.h"
 #include "ogl/shaders/Program.h"
 #include "ogl/tgl/PixelRect.h"
 #include "ogl/tgl/StateTracker.h"
@@ -11,11 +12,26 @@
 #include <boost/optional.hpp>
 
 #include <algorithm>
+#include <cstdlib>
 
 namespace Tev::Chart::Ogl {
 
+// Workaround "mesa-color-material-push": once a Begin/End has run on a Mesa
+// context (22.3, llvmpipe), a colour sent outside Begin/End reaches the
+// colour-material only at the next flush, and glPushAttrib(GL_LIGHTING_BIT)
+// saves the material from before it; the matching pop then brings that
+// stale material back, and the next draw is lit with it. Seen as the same
+// scene drawn twice on one context coming out different the second time.
+// A glFlush first applies the pending update. Set
+// TEVOGL_NO_COLOR_MATERIAL_FLUSH to leave it out.
+bool Tgl::NeedsFlushBeforeLightingPush(Utility::VersionNo const& p_glVersion) {
+    return p_glVersion.Text().find("Mesa") != std::string::npos &&
+           !std::getenv("TEVOGL_NO_COLOR_MATERIAL_FLUSH");
+}
+
 void Tgl::PushAttrib(unsigned p_mask) {
     ensure(_scopes.Depth());
+    if ((p_mask & Tokens::TGL_LIGHTING_BIT) && _flushBeforeLightingPush) _impl->Flush();
     _hot->PushAttrib(p_mask);
     _stateTracker->PushAttrib(p_mask);
     // The tracker's pop rides with GL's, so that a backstop unwinding a
