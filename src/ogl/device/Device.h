@@ -36,6 +36,10 @@ public:
     virtual DisplayHnd HardwareDisplay() const = 0;
     virtual RenderBuffer const& Buffer() const = 0;
     virtual DeviceFormat const& Format() const = 0;
+
+    // The root window of the display's default screen; 0 for the OSMesa
+    // display and for no display.
+    static WindowHandle GetRootWindowHandle(DisplayHnd const& p_display);
 };
 
 }  // namespace Tev::Chart::Ogl

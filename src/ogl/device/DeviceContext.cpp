@@ -73,7 +73,7 @@ boost::shared_ptr<Device> DeviceContext::CreateOffscreenDevice(DisplayHnd const&
                                                                boost::shared_ptr<OsApi> const& p_osApi,
                                                                DeviceFormat const& p_format, Types::Size const& p_size) {
     ensure(p_size.width > 0 && p_size.height > 0);
-    if (IsOSMesa(p_format)) return boost::make_shared<DeviceOSMesa>(p_size.width, p_size.height);
+    if (IsOSMesa(p_format)) return boost::make_shared<DeviceOSMesa>(Extent(p_size.width), Extent(p_size.height));
     DeviceHandle const parent = p_parent ? p_parent : p_display.Handle();
     return MakeOnDisplay<DeviceGLX>(p_display, *p_osApi, Extent(p_size.width), Extent(p_size.height), parent, p_format);
 }

@@ -47,5 +47,8 @@ TEVOGL_API DisplayHnd GetRootDisplayHnd();
 // The display of a device, shared with whoever opened it: it must stay open
 // as long as the device.
 TEVOGL_API DisplayHnd GetDisplayHnd(DeviceHandle p_handle);
+// A display to draw into p_window with: the default X display, opened for
+// the handle, when the window exists there; an empty handle otherwise.
+TEVOGL_API DisplayHnd GetDisplayHndFromWnd(WindowHandle p_window);
 
 }  // namespace Tev::Chart::Ogl

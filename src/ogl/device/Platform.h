@@ -12,6 +12,7 @@
 namespace Tev::Chart::Ogl {
 
 #if defined(_WIN32)
+using WindowHandle = HWND;
 using DeviceHandle = HDC;
 using ContextHandle = HGLRC;
 using PixelFormatDescriptor = PIXELFORMATDESCRIPTOR;
@@ -24,6 +25,8 @@ namespace Detail {
 struct NativeDevice;
 struct NativeContext;
 }  // namespace Detail
+// An X Window id.
+using WindowHandle = unsigned long;
 using DeviceHandle = Detail::NativeDevice*;
 using ContextHandle = Detail::NativeContext*;
 

@@ -1,7 +1,11 @@
 #include "ogl/device/glx/GlxDisplay.h"
 
+#include "ogl/device/Device.h"
 #include "ogl/device/DisplayHnd.h"
 #include "ogl/device/NativeHandles.h"
+#include "ogl/device/glx/XErrorTrap.h"
+
+#include "framework/debug/Debug.h"
 
 #include <X11/Xlib.h>
 
@@ -49,6 +53,24 @@ DisplayHnd GetRootDisplayHnd() {
     Display* const display = OpenDefaultDisplay();
     if (!display) return {};
     return DisplayHnd(std::shared_ptr<_XDisplay>(display, [](Display* p_display) { XCloseDisplay(p_display); }));
+}
+
+DisplayHnd GetDisplayHndFromWnd(WindowHandle p_window) {
+    if (!ensure(p_window != 0)) return {};
+    DisplayHnd display = GetRootDisplayHnd();
+    if (!display) return {};
+    // A window id means nothing without its server: ask the default one.
+    XWindowAttributes attributes;
+    Detail::XErrorTrap trap(display.XDisplay());
+    Status const found = XGetWindowAttributes(display.XDisplay(), p_window, &attributes);
+    if (!ensure(found && !trap.Failed("XGetWindowAttributes") && "Window not found on the default display"))
+        return {};
+    return display;
+}
+
+WindowHandle Device::GetRootWindowHandle(DisplayHnd const& p_display) {
+    DeviceHandle const root = p_display.Handle();
+    return root ? root->drawable : 0;
 }
 
 }  // namespace Tev::Chart::Ogl

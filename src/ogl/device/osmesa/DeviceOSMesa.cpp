@@ -21,12 +21,21 @@ DeviceFormat DeviceOSMesa::MakeFormat() {
     return format;
 }
 
+namespace {
+
+// A side OSMesa can render, or 0: sizes past it would overflow the GL's int
+// sizes and the allocation.
+int Side(std::uint64_t p_side) { return p_side <= DeviceOSMesa::MaxSide ? int(p_side) : 0; }
+
+}  // namespace
+
 // One 32-bit word a pixel keeps every row aligned for any GL pack alignment.
-DeviceOSMesa::DeviceOSMesa(int p_width, int p_height)
-    : _pixels(std::make_unique<std::uint32_t[]>(std::size_t(std::max(p_width, 0)) * std::max(p_height, 0))),
-      _buffer(p_width, p_height, _pixels.get()),
+DeviceOSMesa::DeviceOSMesa(std::uint64_t p_width, std::uint64_t p_height)
+    : _pixels(std::make_unique<std::uint32_t[]>(std::size_t(Side(p_width)) * Side(p_height))),
+      _buffer(Side(p_width), Side(p_height), _pixels.get()),
       _format(MakeFormat()) {
     ensure(p_width > 0 && p_height > 0);
+    ensure(p_width <= MaxSide && p_height <= MaxSide && "Larger than an OSMesa buffer can be");
 }
 
 std::uint32_t DeviceOSMesa::Pixel(int p_x, int p_y) const {

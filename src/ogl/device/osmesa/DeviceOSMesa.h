@@ -11,7 +11,11 @@ class TEVOGL_API DeviceOSMesa final : public Device {
 public:
     // A buffer of width × height RGBA pixels, one byte a channel, rows from
     // the bottom up as GL reads them.
-    DeviceOSMesa(int p_width, int p_height);
+    // Larger than OSMesa can render (MaxSide), the buffer stays empty.
+    DeviceOSMesa(std::uint64_t p_width, std::uint64_t p_height);
+
+    // OSMesa's largest buffer side.
+    static constexpr std::uint64_t MaxSide = 16384;
 
     DeviceHandle HardwareHandle() const override { return 0; }
     DisplayHnd HardwareDisplay() const override { return DisplayHnd::OSMesaDisplay; }
