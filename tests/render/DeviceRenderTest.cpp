@@ -1,26 +1,27 @@
 // Devices and contexts of every kind, drawn into and read back through one
 // path: GLX windows, pbuffers and pixmaps, Mesa's window emulation on X and
-// OSMesa memory, made directly or by a device context from a request.
+// OSMesa memory, made directly or by a device context from a request; and
+// the system GL and OSMesa drawing side by side in one process.
 #include "ogl/api/OglApi.h"
 #include "ogl/device/DeviceContext.h"
 #include "ogl/device/NativeHandles.h"
 #include "ogl/device/glx/ContextGL.h"
 #include "ogl/device/glx/DeviceGLX.h"
-#include "ogl/device/osmesa/ContextOSMesa.h"
-#include "ogl/device/osmesa/DeviceOSMesa.h"
 #include "support/LogCapture.h"
 #include "support/ScopedEnv.h"
 #include "support/XServerTest.h"
+#include "support/XTestWindow.h"
 
 #include <gtest/gtest.h>
 
+#include <GL/gl.h>
 #include <GL/glext.h>
 
 #include <boost/make_shared.hpp>
 
+#include <optional>
+#include <sstream>
 #include <thread>
-
-#include "FrameCheck.h"
 
 // Xlib's None and Bool macros break gtest's headers: X comes last.
 #include <X11/Xlib.h>
@@ -30,7 +31,52 @@ namespace {
 
 using namespace Chart::Ogl;
 using Debug::Channel;
-using Frames::Size;
+
+constexpr int Size = 16;
+
+// 0xRRGGBB of frame p_frame's cleared background, or (p_fore) of the
+// triangle over its lower-left half: never equal, and another frame's
+// colours, so that a frame cannot pass by accident or with another's pixels.
+std::uint32_t Colour(int p_frame, bool p_fore) {
+    std::uint32_t const back = std::uint32_t(p_frame * 37 % 256) << 16 | std::uint32_t(p_frame * 91 % 256) << 8 | (p_frame * 53 + 7) % 256;
+    return p_fore ? ~back & 0xFFFFFF : back;
+}
+
+void Draw(OglApi const& p_gl, int p_frame) {
+    auto const channel = [&](bool p_fore, int p_shift) { return float((Colour(p_frame, p_fore) >> p_shift) & 0xFF) / 255; };
+    p_gl.Viewport(0, 0, Size, Size);
+    p_gl.ClearColor(channel(false, 16), channel(false, 8), channel(false, 0), 1), p_gl.Clear(GL_COLOR_BUFFER_BIT);
+    p_gl.Color4f(channel(true, 16), channel(true, 8), channel(true, 0), 1);
+    p_gl.Begin(GL_TRIANGLES), p_gl.Vertex2d(-1, -1), p_gl.Vertex2d(1, -1), p_gl.Vertex2d(-1, 1), p_gl.End();
+    p_gl.Finish();
+}
+
+// Reads 0xRRGGBB at (x, y), y from the bottom.
+using Reader = std::function<std::uint32_t(int, int)>;
+std::uint32_t Rgb(unsigned char const* p_rgba) { return std::uint32_t(p_rgba[0]) << 16 | std::uint32_t(p_rgba[1]) << 8 | p_rgba[2]; }
+
+Reader FromGl(OglApi const& p_gl, GLenum p_buffer) {
+    return [&p_gl, p_buffer](int p_x, int p_y) {
+        unsigned char rgba[4] = {};
+        p_gl.ReadBuffer(p_buffer), p_gl.ReadPixels(p_x, p_y, 1, 1, GL_RGBA, GL_UNSIGNED_BYTE, rgba);
+        return Rgb(rgba);
+    };
+}
+// A memory device's RGBA bytes, rows from the bottom.
+Reader FromMemory(Device const& p_device) {
+    return [&p_device](int p_x, int p_y) {
+        return Rgb(static_cast<unsigned char const*>(p_device.Buffer().Ptr()) + (p_y * p_device.Buffer().Width() + p_x) * 4);
+    };
+}
+
+// Empty when frame p_frame reads back as drawn, else what was read.
+std::string Check(Reader const& p_read, int p_frame) {
+    std::uint32_t const inside = p_read(2, 2), outside = p_read(Size - 3, Size - 3);
+    std::ostringstream wrong;
+    if (inside != Colour(p_frame, true) || outside != Colour(p_frame, false))
+        wrong << "frame " << p_frame << " read back triangle " << std::hex << inside << ", background " << outside << "; ";
+    return wrong.str();
+}
 
 DeviceFormatRequest Request(std::uint32_t p_devices, std::uint32_t p_acceleration, bool p_double) {
     return {p_devices, {Size, Size}, p_acceleration, p_double, true, false, false, {}};
@@ -50,22 +96,15 @@ bool DrawableExists(::Display* p_display, Drawable p_drawable) {
     return !failed;
 }
 
-void TGL_APIENTRY CountMessage(GLenum, GLenum, GLuint p_id, GLenum, GLsizei, GLchar const*, void const* p_user) {
-    auto* const seen = static_cast<std::pair<int, std::thread::id>*>(const_cast<void*>(p_user));
-    if (p_id == 4711) *seen = {seen->first + 1, std::this_thread::get_id()};
-}
-
 class Devices : public XServerTest {
 protected:
-    static bool Has(Descriptor const& p_d, std::uint32_t p_flags) { return (p_d.dwFlags & p_flags) == p_flags; }
-
     // The first format with all of p_flags, none of p_without, a visual of
     // p_depth (-1: any, also none); p_unsafe: one whose visual is shallower
     // than its buffer (8/8/8/8 on 24 bits), which a pbuffer must not use.
     int FindFormat(std::uint32_t p_flags, std::uint32_t p_without, int p_depth, bool p_unsafe = false) const {
         return Find([&](int p_id, Descriptor const& p_d) {
             int const depth = VisualDepth(p_id);
-            return Has(p_d, p_flags) && !(p_d.dwFlags & p_without) && (p_depth < 0 || depth == p_depth) &&
+            return (p_d.dwFlags & p_flags) == p_flags && !(p_d.dwFlags & p_without) && (p_depth < 0 || depth == p_depth) &&
                    (!p_unsafe || (depth && depth != p_d.cColorBits + p_d.cAlphaBits));
         });
     }
@@ -79,8 +118,7 @@ protected:
     // A window of format p_id's visual, p_x along: XGetImage cannot read
     // what another window covers.
     XTestWindow& WindowOf(int p_id, int p_x) {
-        _window = std::make_unique<XTestWindow>(_display, p_x, 400, Size, Size,
-                                                p_id ? WindowDevice::VisualFor(*_system, _display, p_id) : 0);
+        _window = std::make_unique<XTestWindow>(_display, p_x, 400, Size, Size, p_id ? WindowDevice::VisualFor(*_system, _display, p_id) : 0);
         return *_window;
     }
 
@@ -104,17 +142,15 @@ TEST_F(Devices, EveryKindDrawsAFrameAndReadsItBack) {
         DeviceFormat::DeviceType current;
         GLenum buffer;
         Shown shown;
-        std::function<void(DeviceContext const&)> check = [](DeviceContext const&) {};
+        int id = 0;  // the format the device keeps, 0: any
+        bool mesa = false;
     };
     int const window = FindFormat(Pfd::DoubleBuffer, Pfd::GenericFormat, 24);
     int const generic = FindFormat(Pfd::GenericFormat | Pfd::DrawToBitmap, Pfd::DoubleBuffer, 24);
     int const unsafeDouble = FindFormat(Pfd::DoubleBuffer, Pfd::GenericFormat, -1, true);
     int const unsafeSingle = FindFormat(0, Pfd::DoubleBuffer | Pfd::GenericFormat, -1, true);
     ASSERT_TRUE(window && generic && unsafeDouble && unsafeSingle) << "the X server lacks a kind of format";
-    auto const forcedId = [](int p_id) {
-        return [p_id](DeviceContext const& p_dc) { EXPECT_EQ(p_dc.device->Format().id, DeviceFormat::Id(p_id)); };
-    };
-    std::vector<Row> rows = {
+    std::vector<Row> const rows = {
         {"GLX window", [&] {
              XTestWindow const& x = WindowOf(window, 0);
              auto device = boost::make_shared<DeviceGLX>(*_system, x.Device(), FormatOf(window));
@@ -124,32 +160,28 @@ TEST_F(Devices, EveryKindDrawsAFrameAndReadsItBack) {
              EXPECT_EQ(_system->SetPixelFormat(x.Device(), window == 1 ? 2 : 1, nullptr), 0);
              EXPECT_EQ(_system->SetPixelFormat(WindowDevice(_display, x.Id()).Handle(), FindFormat(0, 0, 32), nullptr), 0);
              return Direct(device);
-         }, DeviceFormat::Window, GL_BACK, OnX},
+         }, DeviceFormat::Window, GL_BACK, OnX, window},
         {"GLX pbuffer, unsafe double-buffered format", [&] {
              return Direct(boost::make_shared<DeviceGLX>(*_system, Size, Size, _display.Handle(), FormatOf(unsafeDouble)));
-         }, DeviceFormat::Pbuffer, GL_BACK, Nothing, forcedId(unsafeDouble)},
+         }, DeviceFormat::Pbuffer, GL_BACK, Nothing, unsafeDouble},
         {"GLX pbuffer, unsafe single-buffered format", [&] {
              return Direct(boost::make_shared<DeviceGLX>(*_system, Size, Size, _display.Handle(), FormatOf(unsafeSingle)));
-         }, DeviceFormat::Pbuffer, GL_FRONT, Nothing, forcedId(unsafeSingle)},
+         }, DeviceFormat::Pbuffer, GL_FRONT, Nothing, unsafeSingle},
         {"GLX pixmap on a display of its own", [&] {
              return Direct(boost::make_shared<DeviceGLX>(*_system, Size, Size, FormatOf(generic)));
-         }, DeviceFormat::Bitmap, GL_NONE, OnX},
+         }, DeviceFormat::Bitmap, GL_NONE, OnX, generic},
         {"request: system window", [&] {
              DeviceFormatRequest const request = Request(DeviceFormatRequest::Window, DeviceFormatRequest::Hardware, true);
              int const id = int(DeviceFormat::ChooseDeviceFormat(*_system, _display, request).id);
              return DeviceContext(_display, WindowOf(id, 700).Device(), request);
-         }, DeviceFormat::Window, GL_BACK, OnX, [](DeviceContext const& p_dc) {
-             EXPECT_TRUE(p_dc.device->Format().doubleBuffered && p_dc.device->Format().depthBits >= 8);
-         }},
+         }, DeviceFormat::Window, GL_BACK, OnX},
         {"request: forced generic format", [&] {
              ScopedEnv const force("TEVOS_FORCE_PIXEL_FORMAT", std::to_string(generic).c_str());
              return DeviceContext(_display, _display.Handle(), Request(DeviceFormatRequest::Offscreen, DeviceFormatRequest::Hardware, false));
-         }, DeviceFormat::Bitmap, GL_NONE, OnX, forcedId(generic)},
+         }, DeviceFormat::Bitmap, GL_NONE, OnX, generic},
         {"request: software window through Mesa's emulation", [&] {
              return DeviceContext(_display, WindowOf(0, 750).Device(), Request(DeviceFormatRequest::Window, DeviceFormatRequest::Software, true));
-         }, DeviceFormat::Window, GL_NONE, OnX, [](DeviceContext const& p_dc) {
-             EXPECT_TRUE(p_dc.device->Format().mesaSoftware && p_dc.device->Format().doubleBuffered);
-         }},
+         }, DeviceFormat::Window, GL_NONE, OnX, 2, true},
         // X devices borrow the caller's display connection: the device
         // context keeps it open until its device and context are gone. When
         // no context can be made, the device made before it goes too.
@@ -165,16 +197,13 @@ TEST_F(Devices, EveryKindDrawsAFrameAndReadsItBack) {
              }
              return DeviceContext(display, nullptr, request);
          }, DeviceFormat::Pbuffer, GL_BACK, Nothing},
+        // The OSMesa display needs no X server and has one format: even a
+        // hardware window request gets Mesa's table and a buffer of the
+        // request's size.
+        {"OSMesa", [] {
+             return DeviceContext(DisplayHnd::OSMesaDisplay, nullptr, Request(DeviceFormatRequest::Window, DeviceFormatRequest::Hardware, false));
+         }, DeviceFormat::OSMesa, GL_NONE, InMemory, int(DeviceFormat::OSMesaFormatId), true},
     };
-    // The OSMesa display needs no X server and has one format: any request
-    // gets Mesa's table and a buffer of the request's size.
-    for (auto const devices : {DeviceFormatRequest::Offscreen, DeviceFormatRequest::Window})
-        for (auto const acceleration : {DeviceFormatRequest::Software, DeviceFormatRequest::Hardware})
-            rows.push_back({"OSMesa " + std::to_string(devices) + "/" + std::to_string(acceleration), [=] {
-                                return DeviceContext(DisplayHnd::OSMesaDisplay, nullptr, Request(devices, acceleration, false));
-                            }, DeviceFormat::OSMesa, GL_NONE, InMemory, [](DeviceContext const& p_dc) {
-                                EXPECT_NE(dynamic_cast<ContextOSMesa*>(p_dc.context.get()), nullptr);
-                            }});
 
     for (Row const& row : rows) {
         SCOPED_TRACE(row.name);
@@ -183,17 +212,20 @@ TEST_F(Devices, EveryKindDrawsAFrameAndReadsItBack) {
         auto dc = std::make_unique<DeviceContext>(row.make());
         DeviceFormat const& format = dc->device->Format();
         EXPECT_EQ(format.currentDevice, row.current);
-        EXPECT_EQ(dc->osApi->IsSystem, !format.mesaSoftware);
+        EXPECT_TRUE(dc->osApi->IsSystem != row.mesa && format.mesaSoftware == row.mesa);
+        if (row.id) { EXPECT_EQ(format.id, DeviceFormat::Id(row.id)); }
         if (row.current != DeviceFormat::Window) { EXPECT_EQ(dc->device->Buffer().Width(), Size); }
-        row.check(*dc);
         ::Display* const x = dc->device->HardwareDisplay().XDisplay();
         unsigned long const drawable = row.shown == OnX ? (_window ? _window->Id() : dc->device->HardwareHandle()->drawable) : 0;
-        Frames::Reader const shown = row.shown == OnX ? Frames::FromX(_window ? X() : x, drawable)
-                                     : row.shown == InMemory ? Frames::FromMemory(*dc->device) : Frames::Reader();
-        std::string const wrong = dc->osApi->IsSystem
-                                      ? Frames::DrawAndCheck(*dc->context, *dc->device, ApiSystem, row.buffer, shown)
-                                      : Frames::DrawAndCheck(*dc->context, *dc->device, ApiMesa, row.buffer, shown);
-        EXPECT_EQ(wrong, "");
+        ::Display* const shownOn = _window ? X() : x;
+        Reader const shown = row.shown == OnX ? Reader([&](int p_x, int p_y) { return ReadDrawable(shownOn, drawable, Size, Size).At(p_x, Size - 1 - p_y); })
+                             : row.shown == InMemory ? FromMemory(*dc->device) : Reader();
+        dc->context->MakeCurrent(*dc->device);
+        OglApi const gl = dc->osApi->IsSystem ? OglApi(ApiSystem) : OglApi(ApiMesa);
+        Draw(gl, 1);
+        std::string const wrong = row.buffer == GL_NONE ? "" : Check(FromGl(gl, row.buffer), 1);
+        dc->context->SwapBuffers(), dc->context->DoneCurrent();
+        EXPECT_EQ(wrong + (shown ? Check(shown, 1) : ""), "");
         EXPECT_EQ(dc->osApi->GetCurrentContext(), nullptr);
         bool const pixmap = row.current == DeviceFormat::Bitmap;
         if (pixmap) { EXPECT_TRUE(DrawableExists(x, drawable)); }
@@ -205,6 +237,11 @@ TEST_F(Devices, EveryKindDrawsAFrameAndReadsItBack) {
         EXPECT_TRUE(Assertions(capture).empty()) << Assertions(capture).front();
         EXPECT_TRUE(capture.Texts(Channel::Error).empty()) << capture.Texts(Channel::Error).front();
     }
+}
+
+void TGL_APIENTRY CountMessage(GLenum, GLenum, GLuint p_id, GLenum, GLsizei, GLchar const*, void const* p_user) {
+    auto* const seen = static_cast<std::pair<int, std::thread::id>*>(const_cast<void*>(p_user));
+    if (p_id == 4711) *seen = {seen->first + 1, std::this_thread::get_id()};
 }
 
 // The server is asked whether a bind worked only the first time a context
@@ -227,8 +264,7 @@ TEST_F(Devices, GlxContextBindsWithoutRoundTripsAndGivesDebugContextsOnRequest) 
                   }), 2);
         auto const requestsToBindAndRelease = [&] {
             unsigned long const before = NextRequest(X());
-            context.MakeCurrent(device);
-            context.DoneCurrent();
+            context.MakeCurrent(device), context.DoneCurrent();
             return NextRequest(X()) - before;
         };
         EXPECT_GT(requestsToBindAndRelease(), 0u);
@@ -239,18 +275,51 @@ TEST_F(Devices, GlxContextBindsWithoutRoundTripsAndGivesDebugContextsOnRequest) 
         GLint flags = 0;
         gl.GetIntegerv(GL_CONTEXT_FLAGS, &flags);
         EXPECT_EQ(bool(flags & GL_CONTEXT_FLAG_DEBUG_BIT), diagnostics);
-        if (diagnostics) {
-            std::pair<int, std::thread::id> seen{0, {}};
-            gl.DebugMessageCallback(&CountMessage, &seen);
-            gl.Enable(GL_DEBUG_OUTPUT_SYNCHRONOUS);
-            gl.DebugMessageInsert(GL_DEBUG_SOURCE_APPLICATION, GL_DEBUG_TYPE_MARKER, 4711,
-                                  GL_DEBUG_SEVERITY_NOTIFICATION, -1, "marker");
-            EXPECT_EQ(seen, std::make_pair(1, std::this_thread::get_id()));  // before the insert returned
-            gl.DebugMessageCallback(nullptr, nullptr);
-        }
+        std::pair<int, std::thread::id> seen{0, {}};
+        gl.DebugMessageCallback(&CountMessage, &seen);
+        gl.Enable(GL_DEBUG_OUTPUT_SYNCHRONOUS);
+        gl.DebugMessageInsert(GL_DEBUG_SOURCE_APPLICATION, GL_DEBUG_TYPE_MARKER, 4711, GL_DEBUG_SEVERITY_NOTIFICATION, -1, "marker");
+        EXPECT_EQ(seen, std::make_pair(int(diagnostics), diagnostics ? std::this_thread::get_id() : std::thread::id()));  // before the insert returned
+        gl.DebugMessageCallback(nullptr, nullptr);
         context.DoneCurrent();
         EXPECT_TRUE(Assertions(capture).empty()) << Assertions(capture).front();
     }
+}
+
+// One thread per context, drawing at the same time with frame numbers of
+// their own, then one further thread, which no implementation has seen,
+// switching between the contexts every frame. A pixel that crossed over has
+// another frame's colours; two OSMesa threads crash without the Mesa
+// namespace's per-thread set-up.
+TEST_F(Devices, GlxAndOSMesaRenderOnThreadsAtOnceThenAlternateOnOne) {
+    constexpr int Frames = 1000;
+    Debug::CaptureScope capture;
+    DeviceContext dcs[3] = {{_display, nullptr, Request(DeviceFormatRequest::Offscreen, DeviceFormatRequest::Hardware, true)},
+                            {DisplayHnd::OSMesaDisplay, nullptr, Request(DeviceFormatRequest::Offscreen, DeviceFormatRequest::Software, true)},
+                            {DisplayHnd::OSMesaDisplay, nullptr, Request(DeviceFormatRequest::Offscreen, DeviceFormatRequest::Software, true)}};
+    ASSERT_TRUE(dcs[0].osApi->IsSystem && !dcs[1].osApi->IsSystem);
+    // The tables are filled the first time their context is current. The
+    // first wrong frame of p_count from p_first: a broken run reports once.
+    std::optional<OglApi> gls[3];
+    auto const run = [&](int p_i, int p_first, int p_count) {
+        DeviceContext const& dc = dcs[p_i];
+        dc.context->MakeCurrent(*dc.device);
+        if (!gls[p_i]) dc.osApi->IsSystem ? gls[p_i].emplace(ApiSystem) : gls[p_i].emplace(ApiMesa);
+        std::string wrong;
+        for (int frame = p_first; frame < p_first + p_count && wrong.empty(); ++frame)
+            Draw(*gls[p_i], frame), wrong = Check(dc.osApi->IsSystem ? FromGl(*gls[p_i], GL_BACK) : FromMemory(*dc.device), frame);
+        dc.context->DoneCurrent();
+        return wrong;
+    };
+    std::string wrong[4];
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 3; ++i) threads.emplace_back([&, i] { wrong[i] = run(i, i * Frames, Frames); });
+    for (std::thread& thread : threads) thread.join();
+    std::thread([&] {
+        for (int frame = 0; frame < 300 && wrong[3].empty(); ++frame) wrong[3] = run(frame % 3, 3 * Frames + frame, 1);
+    }).join();
+    EXPECT_EQ(wrong[0] + wrong[1] + wrong[2] + wrong[3], "");
+    EXPECT_TRUE(Assertions(capture).empty()) << Assertions(capture).front();
 }
 
 }  // namespace
