@@ -20,7 +20,6 @@
 #include <boost/make_shared.hpp>
 
 #include <optional>
-#include <sstream>
 #include <thread>
 
 // Xlib's None and Bool macros break gtest's headers: X comes last.
@@ -47,8 +46,7 @@ void Draw(OglApi const& p_gl, int p_frame) {
     p_gl.Viewport(0, 0, Size, Size);
     p_gl.ClearColor(channel(false, 16), channel(false, 8), channel(false, 0), 1), p_gl.Clear(GL_COLOR_BUFFER_BIT);
     p_gl.Color4f(channel(true, 16), channel(true, 8), channel(true, 0), 1);
-    p_gl.Begin(GL_TRIANGLES), p_gl.Vertex2d(-1, -1), p_gl.Vertex2d(1, -1), p_gl.Vertex2d(-1, 1), p_gl.End();
-    p_gl.Finish();
+    p_gl.Begin(GL_TRIANGLES), p_gl.Vertex2d(-1, -1), p_gl.Vertex2d(1, -1), p_gl.Vertex2d(-1, 1), p_gl.End(), p_gl.Finish();
 }
 
 // Reads 0xRRGGBB at (x, y), y from the bottom.
@@ -72,28 +70,12 @@ Reader FromMemory(Device const& p_device) {
 // Empty when frame p_frame reads back as drawn, else what was read.
 std::string Check(Reader const& p_read, int p_frame) {
     std::uint32_t const inside = p_read(2, 2), outside = p_read(Size - 3, Size - 3);
-    std::ostringstream wrong;
-    if (inside != Colour(p_frame, true) || outside != Colour(p_frame, false))
-        wrong << "frame " << p_frame << " read back triangle " << std::hex << inside << ", background " << outside << "; ";
-    return wrong.str();
+    if (inside == Colour(p_frame, true) && outside == Colour(p_frame, false)) return "";
+    return "frame " + std::to_string(p_frame) + " read back " + std::to_string(inside) + " and " + std::to_string(outside) + "; ";
 }
 
 DeviceFormatRequest Request(std::uint32_t p_devices, std::uint32_t p_acceleration, bool p_double) {
     return {p_devices, {Size, Size}, p_acceleration, p_double, true, false, false, {}};
-}
-
-bool DrawableExists(::Display* p_display, Drawable p_drawable) {
-    static bool failed;
-    failed = false;
-    XSync(p_display, False);
-    auto const previous = XSetErrorHandler([](::Display*, XErrorEvent*) { return failed = true, 0; });
-    Window root;
-    int x, y;
-    unsigned w, h, border, depth;
-    XGetGeometry(p_display, p_drawable, &root, &x, &y, &w, &h, &border, &depth);
-    XSync(p_display, False);
-    XSetErrorHandler(previous);
-    return !failed;
 }
 
 class Devices : public XServerTest {
@@ -227,28 +209,22 @@ TEST_F(Devices, EveryKindDrawsAFrameAndReadsItBack) {
         dc->context->SwapBuffers(), dc->context->DoneCurrent();
         EXPECT_EQ(wrong + (shown ? Check(shown, 1) : ""), "");
         EXPECT_EQ(dc->osApi->GetCurrentContext(), nullptr);
-        bool const pixmap = row.current == DeviceFormat::Bitmap;
-        if (pixmap) { EXPECT_TRUE(DrawableExists(x, drawable)); }
         if (_displayClosed) { EXPECT_FALSE(*_displayClosed); }
         dc.reset();
         _window.reset();
-        if (pixmap) { EXPECT_FALSE(DrawableExists(X(), drawable)) << "the pixmap outlived its device"; }
+        if (row.current == DeviceFormat::Bitmap) {  // the pixmap, read above, is gone with its device
+            auto const previous = XSetErrorHandler([](::Display*, XErrorEvent*) { return 0; });
+            EXPECT_TRUE(ReadDrawable(X(), drawable, Size, Size).rgb.empty()) << "the pixmap outlived its device";
+            XSetErrorHandler(previous);
+        }
         if (_displayClosed) { EXPECT_TRUE(*_displayClosed); }
-        EXPECT_TRUE(Assertions(capture).empty()) << Assertions(capture).front();
-        EXPECT_TRUE(capture.Texts(Channel::Error).empty()) << capture.Texts(Channel::Error).front();
+        EXPECT_TRUE(Assertions(capture).empty() && capture.Texts(Channel::Error).empty()) << LogText(capture);
     }
-}
-
-void TGL_APIENTRY CountMessage(GLenum, GLenum, GLuint p_id, GLenum, GLsizei, GLchar const*, void const* p_user) {
-    auto* const seen = static_cast<std::pair<int, std::thread::id>*>(const_cast<void*>(p_user));
-    if (p_id == 4711) *seen = {seen->first + 1, std::this_thread::get_id()};
 }
 
 // The server is asked whether a bind worked only the first time a context
 // binds to a drawable: a round trip per bind would cost as much as a frame.
-// Diagnostics give a debug context whose messages arrive synchronously, on
-// the calling thread; the creation logs the GLX extensions for the pbuffer
-// and for the context.
+// Diagnostics give a debug context.
 TEST_F(Devices, GlxContextBindsWithoutRoundTripsAndGivesDebugContextsOnRequest) {
     int const id = FindFormat(Pfd::DoubleBuffer | Pfd::DrawToBitmap, Pfd::GenericFormat, -1);
     ASSERT_GT(id, 0);
@@ -258,10 +234,6 @@ TEST_F(Devices, GlxContextBindsWithoutRoundTripsAndGivesDebugContextsOnRequest) 
         format.enableDiagnostics = diagnostics;
         DeviceGLX const device(*_system, Size, Size, _display.Handle(), format);
         ContextGL context(device, *_system, DeviceFormatRequest{});
-        auto const logged = capture.Texts(Channel::Debug);
-        EXPECT_EQ(std::count_if(logged.begin(), logged.end(), [](std::string const& p_text) {
-                      return p_text.starts_with("WGL Extensions :") && p_text.find("GLX_ARB_create_context") != p_text.npos;
-                  }), 2);
         auto const requestsToBindAndRelease = [&] {
             unsigned long const before = NextRequest(X());
             context.MakeCurrent(device), context.DoneCurrent();
@@ -271,16 +243,9 @@ TEST_F(Devices, GlxContextBindsWithoutRoundTripsAndGivesDebugContextsOnRequest) 
         EXPECT_EQ(requestsToBindAndRelease(), 0u);
 
         context.MakeCurrent(device);
-        OglApi const gl(ApiSystem);
         GLint flags = 0;
-        gl.GetIntegerv(GL_CONTEXT_FLAGS, &flags);
+        OglApi(ApiSystem).GetIntegerv(GL_CONTEXT_FLAGS, &flags);
         EXPECT_EQ(bool(flags & GL_CONTEXT_FLAG_DEBUG_BIT), diagnostics);
-        std::pair<int, std::thread::id> seen{0, {}};
-        gl.DebugMessageCallback(&CountMessage, &seen);
-        gl.Enable(GL_DEBUG_OUTPUT_SYNCHRONOUS);
-        gl.DebugMessageInsert(GL_DEBUG_SOURCE_APPLICATION, GL_DEBUG_TYPE_MARKER, 4711, GL_DEBUG_SEVERITY_NOTIFICATION, -1, "marker");
-        EXPECT_EQ(seen, std::make_pair(int(diagnostics), diagnostics ? std::this_thread::get_id() : std::thread::id()));  // before the insert returned
-        gl.DebugMessageCallback(nullptr, nullptr);
         context.DoneCurrent();
         EXPECT_TRUE(Assertions(capture).empty()) << Assertions(capture).front();
     }

@@ -4,7 +4,6 @@
 #include "ogl/api/DeviceFeatures.h"
 #include "ogl/api/GlImplementation.h"
 #include "ogl/api/OglDebug.h"
-#include "ogl/api/QueryProcAddress.h"
 #include "ogl/api/TglExtensions.h"
 #include "ogl/device/DeviceContext.h"
 #include "ogl/device/NativeHandles.h"
@@ -43,8 +42,7 @@ TEST(ContextOSMesa, NestingAndMisuseAreReportedAndSurvived) {
     Debug::CaptureScope capture;
     DeviceOSMesa device(4, 4);
     ContextOSMesa context(device);
-    context.MakeCurrent(device);
-    context.MakeCurrent(device);
+    context.MakeCurrent(device), context.MakeCurrent(device);
     EXPECT_EQ(context.CurrentCount(), 2);
     context.SwapBuffers();
     OglApi const gl(ApiMesa);
@@ -83,11 +81,8 @@ TEST(DeviceContextOnOSMesa, LogsTheRequestAndTheChosenFormat) {
 using MesaContext = OSMesaFixture;
 
 TEST_F(MesaContext, MesaReportsItsVersionsAndSupportsEveryFeature) {
-    EXPECT_TRUE(!_gl->IsSystem && _gl->Vendor == MESA);
-    EXPECT_GE(_gl->GlVersion, VersionNo(4, 5, 0));
-    EXPECT_NE(_gl->GlVersion.Text().find("Compatibility"), std::string::npos) << _gl->GlVersion.Text();
-    EXPECT_GE(_gl->GlslVersion, VersionNo(4, 50, 0));
-    EXPECT_TRUE(_gl->GluVersion == VersionNo(0, 0, 0) && _gl->GluVersion.Text() == "<unknown>");
+    EXPECT_TRUE(!_gl->IsSystem && _gl->Vendor == MESA && _gl->GlslVersion >= VersionNo(4, 50, 0) && _gl->GluVersion == VersionNo(0, 0, 0));
+    EXPECT_TRUE(_gl->GlVersion >= VersionNo(4, 5, 0) && _gl->GlVersion.Text().find("Compatibility") != std::string::npos) << _gl->GlVersion.Text();
     Debug::CaptureScope capture;
     DeviceFeatures const features = DeviceFeatures::Determine(*_gl, _gl->GlVersion, ReadExtensions(*_gl));
     EXPECT_EQ(features.AllSupported(), DeviceFeatures::Set(0x3FF)) << _gl->GlVersion.Text();
@@ -99,10 +94,8 @@ TEST_F(MesaContext, MesaReportsItsVersionsAndSupportsEveryFeature) {
 // of radius 8 covers about 200 of the 1024 pixels.
 TEST_F(MesaContext, GluSphereDrawsIntoTheOSMesaBuffer) {
     _gl->ClearColor(0, 0, 0, 1), _gl->Clear(GL_COLOR_BUFFER_BIT);
-    _gl->Ortho(-1, 1, -1, 1, -1, 1);
-    _gl->Color4f(0, 1, 0, 1);
+    _gl->Ortho(-1, 1, -1, 1, -1, 1), _gl->Color4f(0, 1, 0, 1);
     GLUquadric* const quadric = _gl->GluNewQuadric();
-    ASSERT_NE(quadric, nullptr);
     _gl->GluSphere(quadric, 0.5, 16, 16);
     _gl->GluDeleteQuadric(quadric);
     EXPECT_TRUE(Pixel(Width / 2, Height / 2) == 0xFF00FF00u && Pixel(0, 0) == 0xFF000000u);
@@ -120,12 +113,9 @@ TEST_F(MesaContext, DriverMessagesReachTheErrorLogSynchronously) {
     Debug::CaptureScope capture;
     debug.InsertMessage(0x824C, 42, 0x9146, "hello");
     debug.ScopedDebugGroup(5, "pass");
-    std::string const sent = LogText(capture);
-    EXPECT_TRUE(MatchesGolden("render/driver-messages.txt", sent));
-    _gl->Enable(0xFFFF);
-    EXPECT_EQ(_gl->GetError(), GLenum(GL_INVALID_ENUM));
-    EXPECT_TRUE(LogText(capture).substr(sent.size()).starts_with("error [ogldebug]:  --\nType: Error; Source: API;"))
-        << LogText(capture);
+    EXPECT_TRUE(MatchesGolden("render/driver-messages.txt", LogText(capture)));
+    _gl->Enable(0xFFFF);  // and one the driver raises itself
+    EXPECT_NE(LogText(capture).find("error [ogldebug]:  --\nType: Error; Source: API;"), std::string::npos) << LogText(capture);
 }
 
 // The Mesa namespace has its own GL and its own libc, with its own environ:
@@ -136,7 +126,6 @@ TEST(MesaNamespace, HasItsOwnGlAndSeesVariablesSetAfterItLoaded) {
     using Detail::GlImplementation;
     GlImplementation const& mesa = GlImplementation::Mesa();
     EXPECT_NE(mesa.FindGl("glClear"), GlImplementation::System().FindGl("glClear"));
-    EXPECT_FALSE(QueryProcAddress(ApiSystem) == QueryProcAddress(ApiMesa));
     mesa.PrepareThread();
     // getenv as Mesa calls it: from the libc of the namespace Mesa lives in.
     Dl_info info{};
@@ -172,33 +161,12 @@ TEST(ProcessExit, StaticOSMesaContextIsReleasedCleanly) {
     EXPECT_EXIT({ static StaticContext context; std::exit(0); }, ::testing::ExitedWithCode(0), "");
 }
 
-class MesaWindowSystem : public XServerTest {
-protected:
-    void SetUp() override {
-        XServerTest::SetUp();
-        if (!IsSkipped() && !HasFailure()) _api = std::make_unique<OsApi>(ApiMesa, _display);
-    }
-
-    // Runs p_work on a thread of its own with p_context current on p_device:
-    // every thread must be able to draw with Mesa, not only the loading one.
-    template <typename Work>
-    void DrawOnThread(DeviceHandle p_device, ContextHandle p_context, Work p_work) {
-        std::thread([&] {
-            ASSERT_EQ(_api->MakeCurrent(p_device, p_context), 1);
-            EXPECT_EQ(_api->GetCurrentContext(), p_context);
-            p_work(OglApi(ApiMesa));
-            EXPECT_EQ(_api->MakeCurrent(p_device, nullptr), 1);
-            EXPECT_EQ(_api->GetCurrentContext(), nullptr);
-        }).join();
-    }
-
-    std::unique_ptr<OsApi> _api;
-};
+using MesaWindowSystem = XServerTest;
 
 // The table logs the functions it fetched and its OS version, and chooses
-// among its twelve formats; the request descriptor leaves buffering open
-// without a double-buffer request, and asks for more depth and stencil than
-// any format has.
+// among its twelve formats; the system chooser's descriptor leaves buffering
+// open without a double-buffer request, and asks for more depth and stencil
+// than any format has.
 TEST_F(MesaWindowSystem, TableLogsItsFunctionsAndOffersOSMesaFormats) {
     Debug::CaptureScope capture;
     OsApi const api(ApiMesa, _display);
@@ -209,17 +177,13 @@ TEST_F(MesaWindowSystem, TableLogsItsFunctionsAndOffersOSMesaFormats) {
                        "FUNC: OSMesaMakeCurrent; FUNC: OSMesaPixelStore; FUNC: glFinish; ");
     EXPECT_EQ(lines.back(), "OsApi: \n" + api.OsVersion.Text());
     EXPECT_TRUE(api.IsSystem == 0 && api.GetProcAddress("glGenBuffers"));
-    for (auto [doubled, depth, stencil, id] : {std::tuple(true, true, true, 1u), {true, true, false, 2u}, {false, false, false, 12u}}) {
+    for (auto [doubled, depth, stencil, id, systemId] : {std::tuple(true, true, true, 1u, 1u), {true, true, false, 2u, 2u}, {false, false, false, 12u, 6u}}) {
         DeviceFormatRequest request;
-        request.acceleration = DeviceFormatRequest::Software;
-        request.doubleBuffered = doubled, request.depthBuffer = depth, request.stencilBuffer = stencil;
+        request.acceleration = DeviceFormatRequest::Software, request.doubleBuffered = doubled, request.depthBuffer = depth, request.stencilBuffer = stencil;
         DeviceFormat const format = DeviceFormat::ChooseDeviceFormat(api, _display, request);
         EXPECT_TRUE(format.id == id && format.mesaSoftware && format.openGL && format.driverModel == DeviceFormat::MCD && format.doubleBuffered == doubled) << id;
+        EXPECT_EQ(DeviceFormat::ChooseDeviceFormatSystem(api, _display, request).id, systemId);
     }
-    DeviceFormatRequest deep;
-    deep.doubleBuffered = deep.depthBuffer = deep.stencilBuffer = true;
-    EXPECT_EQ(DeviceFormat::ChooseDeviceFormatSystem(api, _display, DeviceFormatRequest()).id, 6u);
-    EXPECT_EQ(DeviceFormat::ChooseDeviceFormatSystem(api, _display, deep).id, 1u);
 }
 
 // Drawn by the emulation, which copies into the window: a double-buffered
@@ -228,34 +192,45 @@ TEST_F(MesaWindowSystem, TableLogsItsFunctionsAndOffersOSMesaFormats) {
 // set once; a context binds only devices of its format; a resized window
 // gets memory of its new size.
 TEST_F(MesaWindowSystem, WindowsShowTheDrawingOnSwapOrReleaseAndFollowResizes) {
+    OsApi const api(ApiMesa, _display);
+    // Binds, draws (or not) and releases on a thread of its own: every
+    // thread must be able to draw with Mesa, not only the loading one.
+    auto const drawOnThread = [&](DeviceHandle p_device, ContextHandle p_context, bool p_clear) {
+        std::thread([&] {
+            ASSERT_EQ(api.MakeCurrent(p_device, p_context), 1);
+            EXPECT_EQ(api.GetCurrentContext(), p_context);
+            if (OglApi const gl(ApiMesa); p_clear) gl.ClearColor(0, 1, 0, 1), gl.Clear(GL_COLOR_BUFFER_BIT);
+            EXPECT_TRUE(api.MakeCurrent(p_device, nullptr) == 1 && api.GetCurrentContext() == nullptr);
+        }).join();
+    };
     std::unique_ptr<XTestWindow> windows[2];
     for (int const i : {0, 1}) {  // at 100 apart: XGetImage cannot read what another window covers
         windows[i] = std::make_unique<XTestWindow>(_display, 100 * i, 0, i ? 32 : 64, i ? 32 : 48);
         PixelFormatDescriptor pfd{};
-        EXPECT_EQ(_api->DescribePixelFormat(windows[i]->Device(), i ? 12 : 2, sizeof pfd, &pfd), 12);
-        EXPECT_EQ(_api->SetPixelFormat(windows[i]->Device(), i ? 12 : 2, &pfd), 1);
+        EXPECT_EQ(api.DescribePixelFormat(windows[i]->Device(), i ? 12 : 2, sizeof pfd, &pfd), 12);
+        EXPECT_EQ(api.SetPixelFormat(windows[i]->Device(), i ? 12 : 2, &pfd), 1);
     }
-    EXPECT_EQ(_api->GetPixelFormat(windows[0]->Device()), 2);
-    EXPECT_EQ(_api->SetPixelFormat(windows[0]->Device(), 3, nullptr), 0);
+    EXPECT_EQ(api.GetPixelFormat(windows[0]->Device()), 2);
+    EXPECT_EQ(api.SetPixelFormat(windows[0]->Device(), 3, nullptr), 0);
     for (int const i : {0, 1}) {
         XTestWindow const& window = *windows[i];
         DeviceHandle const device = window.Device();
-        ContextHandle const context = _api->CreateContext(device);
+        ContextHandle const context = api.CreateContext(device);
         ASSERT_NE(context, nullptr);
-        EXPECT_EQ(_api->MakeCurrent(windows[1 - i]->Device(), context), 0);
-        DrawOnThread(device, context, [](OglApi const& gl) { gl.ClearColor(0, 1, 0, 1), gl.Clear(GL_COLOR_BUFFER_BIT); });
+        EXPECT_EQ(api.MakeCurrent(windows[1 - i]->Device(), context), 0);
+        drawOnThread(device, context, true);
         if (i == 0) {
             EXPECT_EQ(window.Read().At(32, 45), 0xFFFFFFu) << "a double-buffered window changes only on a swap";
-            EXPECT_EQ(_api->SwapBuffers(device), 1);
+            EXPECT_EQ(api.SwapBuffers(device), 1);
         }
         EXPECT_EQ(window.Read().At(16, 16), 0x00FF00u);
         if (i == 0) {
             XResizeWindow(X(), window.Id(), 80, 60);
             XSync(X(), False);
-            DrawOnThread(device, context, [](OglApi const&) {});
+            drawOnThread(device, context, false);
             EXPECT_TRUE(device->width == 80 && device->memory.size() == 80u * 60u);
         }
-        EXPECT_EQ(_api->DeleteContext(context), 1);
+        EXPECT_EQ(api.DeleteContext(context), 1);
     }
 }
 

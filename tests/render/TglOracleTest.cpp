@@ -3,7 +3,6 @@
 // lighting, generated from fixed seeds (and a few written by hand), are
 // drawn once through Tgl and once through plain GL calls on the same OSMesa
 // context, and must give the same pixels, every one of them.
-#include "framework/utility/Scoped.h"
 #include "ogl/api/OglApi.h"
 #include "ogl/tgl/Tgl.h"
 #include "support/OSMesaFixture.h"
@@ -12,7 +11,6 @@
 
 #include <functional>
 #include <map>
-#include <optional>
 #include <random>
 #include <sstream>
 
@@ -25,10 +23,7 @@ using Chart::Types::Viewport;
 using Values = std::vector<double>;
 
 // A step of a scene: a name and its values, colours as 0..255 a channel.
-struct Step {
-    std::string name;
-    Values v = {};
-};
+struct Step { std::string name; Values v = {}; };
 using Scene = std::vector<Step>;
 
 // One side of the comparison: the facade when t is set, else the driver
@@ -36,17 +31,12 @@ using Scene = std::vector<Step>;
 struct Side {
     OglApi const& gl;
     Tgl* t;
-    std::optional<Chart::Utility::Scoped<Tgl>> scope = {};
     std::vector<Viewport> scissors = {Viewport()};
     int pushes = 0;
 };
 
-QColor ColorOf(Values const& p_v, std::size_t p_at = 0) {
-    return QColor(int(p_v[p_at]), int(p_v[p_at + 1]), int(p_v[p_at + 2]), int(p_v[p_at + 3]));
-}
-std::array<float, 4> Floats(QColor const& p_c) {
-    return {float(p_c.redF()), float(p_c.greenF()), float(p_c.blueF()), float(p_c.alphaF())};
-}
+QColor ColorOf(Values const& p_v, std::size_t p_at = 0) { return QColor(int(p_v[p_at]), int(p_v[p_at + 1]), int(p_v[p_at + 2]), int(p_v[p_at + 3])); }
+std::array<float, 4> Floats(QColor const& p_c) { return {float(p_c.redF()), float(p_c.greenF()), float(p_c.blueF()), float(p_c.alphaF())}; }
 
 // A step that is one call on either side: the facade's or the driver's.
 #define EITHER(facade, driver) [](Side& s, Values const& v) { s.t ? void(s.t->facade) : void(s.gl.driver); }
@@ -105,7 +95,7 @@ std::map<std::string, std::function<void(Side&, Values const&)>> const Plays = {
     {"Vertex3", EITHER(Vertex(v[0], v[1], v[2]), Vertex3d(v[0], v[1], v[2]))},
     {"End", EITHER(End(), End())},
     {"Unwind", [](Side& s, Values const&) {  // the facade's scope ends with pops forgotten
-         if (s.t) return s.scope.reset(), void(s.scope.emplace(*s.t));
+         if (s.t) return s.t->ScopeEnd(), s.t->ScopeBegin();
          for (; s.pushes > 0; --s.pushes) s.gl.PopAttrib();
          s.scissors.resize(1);
      }},
@@ -214,8 +204,9 @@ protected:
             Debug::CaptureScope quiet;
             std::unique_ptr<Tgl> tgl = p_facade ? std::make_unique<Tgl>(*_gl, DeviceFeatureMask::PermitAll()) : nullptr;
             Side side{*_gl, tgl.get()};
-            if (tgl) side.scope.emplace(*tgl);
+            if (tgl) tgl->ScopeBegin();
             for (Step const& step : p_scene) Plays.at(step.name)(side, step.v);
+            if (tgl) tgl->ScopeEnd();
         }
         std::vector<std::uint32_t> image;
         for (int i = 0; i < Width * Height; ++i) image.push_back(Pixel(i % Width, i / Width));
