@@ -1,18 +1,14 @@
 // The Mesa side on real Mesa: OSMesa contexts and device contexts, the Mesa
-// table on an OSMesa context, the private namespace Mesa lives in, and the
-// table's window emulation on an X window.
+// table on an OSMesa context and the private namespace Mesa lives in.
 #include "ogl/api/DeviceFeatures.h"
 #include "ogl/api/GlImplementation.h"
 #include "ogl/api/OglDebug.h"
 #include "ogl/api/TglExtensions.h"
 #include "ogl/device/DeviceContext.h"
-#include "ogl/device/NativeHandles.h"
 #include "support/Golden.h"
 #include "support/LogCapture.h"
 #include "support/OSMesaFixture.h"
 #include "support/ScopedEnv.h"
-#include "support/XServerTest.h"
-#include "support/XTestWindow.h"
 
 #include <gtest/gtest.h>
 
@@ -22,11 +18,7 @@
 #include <dlfcn.h>
 #include <link.h>
 
-#include <sstream>
 #include <thread>
-
-// Xlib's None and Bool macros break gtest's headers: X comes last.
-#include <X11/Xlib.h>
 
 namespace Tev::Test {
 namespace {
@@ -131,8 +123,7 @@ TEST(MesaNamespace, HasItsOwnGlAndSeesVariablesSetAfterItLoaded) {
     Dl_info info{};
     link_map* library = nullptr;
     Lmid_t namespaceId = 0;
-    ASSERT_TRUE(dladdr1(mesa.FindGl("glClear"), &info, reinterpret_cast<void**>(&library), RTLD_DL_LINKMAP));
-    ASSERT_EQ(dlinfo(library, RTLD_DI_LMID, &namespaceId), 0);
+    ASSERT_TRUE(dladdr1(mesa.FindGl("glClear"), &info, reinterpret_cast<void**>(&library), RTLD_DL_LINKMAP) && dlinfo(library, RTLD_DI_LMID, &namespaceId) == 0);
     auto const getEnv = reinterpret_cast<char* (*)(char const*)>(dlsym(dlmopen(namespaceId, "libc.so.6", RTLD_NOW | RTLD_NOLOAD), "getenv"));
     ASSERT_NE(getEnv, nullptr);
     std::vector<std::unique_ptr<ScopedEnv>> variables;  // enough that the environment array moves
@@ -159,79 +150,6 @@ struct StaticContext {
 TEST(ProcessExit, StaticOSMesaContextIsReleasedCleanly) {
     GTEST_FLAG_SET(death_test_style, "threadsafe");
     EXPECT_EXIT({ static StaticContext context; std::exit(0); }, ::testing::ExitedWithCode(0), "");
-}
-
-using MesaWindowSystem = XServerTest;
-
-// The table logs the functions it fetched and its OS version, and chooses
-// among its twelve formats; the system chooser's descriptor leaves buffering
-// open without a double-buffer request, and asks for more depth and stencil
-// than any format has.
-TEST_F(MesaWindowSystem, TableLogsItsFunctionsAndOffersOSMesaFormats) {
-    Debug::CaptureScope capture;
-    OsApi const api(ApiMesa, _display);
-    auto const lines = capture.Texts(Channel::Debug);
-    std::string fetched;
-    for (std::size_t i = 0; i + 1 < lines.size(); ++i) fetched += lines[i].substr(0, lines[i].find(" = 0x")) + "; ";
-    EXPECT_EQ(fetched, "FUNC: OSMesaGetProcAddress; FUNC: OSMesaCreateContextExt; FUNC: OSMesaDestroyContext; "
-                       "FUNC: OSMesaMakeCurrent; FUNC: OSMesaPixelStore; FUNC: glFinish; ");
-    EXPECT_EQ(lines.back(), "OsApi: \n" + api.OsVersion.Text());
-    EXPECT_TRUE(api.IsSystem == 0 && api.GetProcAddress("glGenBuffers"));
-    for (auto [doubled, depth, stencil, id, systemId] : {std::tuple(true, true, true, 1u, 1u), {true, true, false, 2u, 2u}, {false, false, false, 12u, 6u}}) {
-        DeviceFormatRequest request;
-        request.acceleration = DeviceFormatRequest::Software, request.doubleBuffered = doubled, request.depthBuffer = depth, request.stencilBuffer = stencil;
-        DeviceFormat const format = DeviceFormat::ChooseDeviceFormat(api, _display, request);
-        EXPECT_TRUE(format.id == id && format.mesaSoftware && format.openGL && format.driverModel == DeviceFormat::MCD && format.doubleBuffered == doubled) << id;
-        EXPECT_EQ(DeviceFormat::ChooseDeviceFormatSystem(api, _display, request).id, systemId);
-    }
-}
-
-// Drawn by the emulation, which copies into the window: a double-buffered
-// window on the swap, a single-buffered one on the release (the drawing's
-// orientation is checked with the other device kinds). A window's format is
-// set once; a context binds only devices of its format; a resized window
-// gets memory of its new size.
-TEST_F(MesaWindowSystem, WindowsShowTheDrawingOnSwapOrReleaseAndFollowResizes) {
-    OsApi const api(ApiMesa, _display);
-    // Binds, draws (or not) and releases on a thread of its own: every
-    // thread must be able to draw with Mesa, not only the loading one.
-    auto const drawOnThread = [&](DeviceHandle p_device, ContextHandle p_context, bool p_clear) {
-        std::thread([&] {
-            ASSERT_EQ(api.MakeCurrent(p_device, p_context), 1);
-            EXPECT_EQ(api.GetCurrentContext(), p_context);
-            if (OglApi const gl(ApiMesa); p_clear) gl.ClearColor(0, 1, 0, 1), gl.Clear(GL_COLOR_BUFFER_BIT);
-            EXPECT_TRUE(api.MakeCurrent(p_device, nullptr) == 1 && api.GetCurrentContext() == nullptr);
-        }).join();
-    };
-    std::unique_ptr<XTestWindow> windows[2];
-    for (int const i : {0, 1}) {  // at 100 apart: XGetImage cannot read what another window covers
-        windows[i] = std::make_unique<XTestWindow>(_display, 100 * i, 0, i ? 32 : 64, i ? 32 : 48);
-        PixelFormatDescriptor pfd{};
-        EXPECT_EQ(api.DescribePixelFormat(windows[i]->Device(), i ? 12 : 2, sizeof pfd, &pfd), 12);
-        EXPECT_EQ(api.SetPixelFormat(windows[i]->Device(), i ? 12 : 2, &pfd), 1);
-    }
-    EXPECT_EQ(api.GetPixelFormat(windows[0]->Device()), 2);
-    EXPECT_EQ(api.SetPixelFormat(windows[0]->Device(), 3, nullptr), 0);
-    for (int const i : {0, 1}) {
-        XTestWindow const& window = *windows[i];
-        DeviceHandle const device = window.Device();
-        ContextHandle const context = api.CreateContext(device);
-        ASSERT_NE(context, nullptr);
-        EXPECT_EQ(api.MakeCurrent(windows[1 - i]->Device(), context), 0);
-        drawOnThread(device, context, true);
-        if (i == 0) {
-            EXPECT_EQ(window.Read().At(32, 45), 0xFFFFFFu) << "a double-buffered window changes only on a swap";
-            EXPECT_EQ(api.SwapBuffers(device), 1);
-        }
-        EXPECT_EQ(window.Read().At(16, 16), 0x00FF00u);
-        if (i == 0) {
-            XResizeWindow(X(), window.Id(), 80, 60);
-            XSync(X(), False);
-            drawOnThread(device, context, false);
-            EXPECT_TRUE(device->width == 80 && device->memory.size() == 80u * 60u);
-        }
-        EXPECT_EQ(api.DeleteContext(context), 1);
-    }
 }
 
 }  // namespace
