@@ -11,6 +11,8 @@
 #include <boost/make_shared.hpp>
 #include <gtest/gtest.h>
 
+#include <tuple>
+
 namespace Tev::Chart::Ogl {
 namespace {
 
@@ -86,11 +88,11 @@ TEST_F(Pool, ReuseStreamBuffersAndStatisticsAsTranscribed) {
     _pool->ReleaseFreedMemory();
     Step("freed memory released");
 
-    for (int f = 0; f <= 3; ++f)
-        for (int n = 0; n < 4; ++n)
-            if (f < 3 || n == 0)
-                Step("frequency " + std::to_string(f) + ", nature " + std::to_string(n) + ": usage token " +
-                     std::to_string(Access::UsageToken(BufferUsage(BufferUsage::Frequency(f), BufferUsage::Nature(n)))));
+    std::string tokens = "usage tokens of 3 frequencies by 4 natures, then of a fourth frequency:";
+    for (int f = 0; f < 4; ++f)
+        for (int n = 0; n < (f < 3 ? 4 : 1); ++n)
+            tokens += " " + std::to_string(Access::UsageToken(BufferUsage(BufferUsage::Frequency(f), BufferUsage::Nature(n))));
+    Step(tokens);
     Access::Copy(*_pool, 4, 5, 16, 32, 64);
     Step("copy 64 bytes from 16 in buffer 4 to 32 in buffer 5");
     EXPECT_TRUE(::Tev::Test::MatchesGolden("resources/pool.txt", _fake.Transcript()));
@@ -103,11 +105,11 @@ TEST_F(Pool, ReuseStreamBuffersAndStatisticsAsTranscribed) {
 // reported.
 TEST_F(Pool, MappingWindowsAndTheirChecksAsTranscribed) {
     using Sync = BufferMapWriteSync;
+    using Write = Internal::AccessPermission<2>;
+    using ReadWrite = Internal::AccessPermission<1>;
     std::string bits = "access bits";
-    for (unsigned permission : {Internal::AccessPermission<2>::Permission(Sync::Default),
-                                Internal::AccessPermission<2>::Permission(Sync::InvalidateRange), WriteInvalidate,
-                                Internal::AccessPermission<1>::Permission(Sync::Default),
-                                Internal::AccessPermission<1>::Permission(Sync::InvalidateBuffer)})
+    for (unsigned permission : {Write::Permission(Sync::Default), Write::Permission(Sync::InvalidateRange), WriteInvalidate,
+                                ReadWrite::Permission(Sync::Default), ReadWrite::Permission(Sync::InvalidateBuffer)})
         bits += " " + std::to_string(permission);
     _fake.Step(bits);
     Handle const h = Get(40, StaticDraw);
@@ -120,60 +122,16 @@ TEST_F(Pool, MappingWindowsAndTheirChecksAsTranscribed) {
     step("unmapped before mapping", nullptr);
     void* const first = Access::Map(*_pool, h, 2, 8, 4, WriteInvalidate, GL_ARRAY_BUFFER);
     step("window 2, 8", first);
-    struct Row {
-        std::uint64_t first, count;
-        char* unmapped;
-    } const rows[] = {{0, 1, g_mapped}, {0, 0, g_mapped}, {10, 1, g_mapped}, {8, 2, g_mapped}, {0, 1, g_mapped + 1}};
-    for (Row const& row : rows) {
-        void* const got = Access::Map(*_pool, h, row.first, row.count, 4, WriteInvalidate, GL_ARRAY_BUFFER);
-        Access::Unmap(*_pool, row.unmapped, name, GL_ARRAY_BUFFER);
-        step("window " + std::to_string(row.first) + ", " + std::to_string(row.count) + " mapped and unmapped" +
-             (row.unmapped == g_mapped ? "" : " by a wrong pointer"), got);
+    for (auto [first, count, unmapped] : std::initializer_list<std::tuple<std::uint64_t, std::uint64_t, char*>>{
+             {0, 1, g_mapped}, {0, 0, g_mapped}, {10, 1, g_mapped}, {8, 2, g_mapped}, {0, 1, g_mapped + 1}}) {
+        void* const got = Access::Map(*_pool, h, first, count, 4, WriteInvalidate, GL_ARRAY_BUFFER);
+        Access::Unmap(*_pool, unmapped, name, GL_ARRAY_BUFFER);
+        step("window " + std::to_string(first) + ", " + std::to_string(count) + " mapped and unmapped" +
+             (unmapped == g_mapped ? "" : " by a wrong pointer"), got);
     }
     _fake.gl.On("glMapBufferRange", [](FakeCall const&) -> FakeResult { return static_cast<void const*>(nullptr); });
     step("the driver maps nothing", Access::Map(*_pool, h, 0, 16, 1, GL_MAP_WRITE_BIT, GL_ARRAY_BUFFER));
     EXPECT_TRUE(::Tev::Test::MatchesGolden("resources/mapping.txt", _fake.Transcript()));
-}
-
-// Freed, stream, used: none outlives its pool, made live or not; when the
-// facade ends first, everything goes but what a client holds, and the total
-// is left as it stood, so the statistics no longer add up. The resource base
-// under it: a number that is negative until made live, positive while live
-// and negative again once deallocated, exactly once; a pool destroyed first
-// no longer hears of the facade's end (the last step has one Expired!).
-TEST_F(Pool, EveryBufferIsDeletedWhenThePoolOrTheFacadeGoes) {
-    auto const fill = [](BufferPool& p_pool) {
-        Access::Free(p_pool, Access::FindOrAllocate(p_pool, 10, StaticDraw));
-        Access::Free(p_pool, Access::FindOrAllocate(p_pool, 20, StreamDraw));
-        Access::FindOrAllocate(p_pool, 30, DynamicDraw);
-        return Access::FindOrAllocate(p_pool, 40, StaticDraw);
-    };
-    auto const state = [](BufferPool const& p_pool) {
-        return std::string(p_pool.TglInstanceId() > 0 ? "; number positive" : "; number negative") +
-               (p_pool.IsValid() ? ", valid" : ", not valid");
-    };
-    fill(*_pool);
-    _fake.Step("a live pool filled" + state(*_pool));
-    _pool.reset();
-    _fake.Step("and destroyed");
-    auto* const neverLive = new BufferPool(_apiLifetime.Ref<const OglApi>(_fake->Api()));
-    fill(*neverLive);
-    delete neverLive;
-    _fake.Step("a pool never made live filled and destroyed");
-
-    _pool = boost::make_shared<BufferPool>(_apiLifetime.Ref<const OglApi>(_fake->Api()));
-    _fake.Step("a new pool" + state(*_pool));
-    Internal::ResourceAccess::Initialize(*_pool, *_fake.tgl, _fake->Api(), _facadeLifetime);
-    Handle const held = fill(*_pool);
-    {
-        auto const locked = held.lock();
-        _facadeLifetime.Expire();
-        _fake.Step("made live, filled, then the facade ends while a client holds buffer 12" + state(*_pool));
-    }
-    Step("the client lets go");
-    _pool.reset();
-    _fake.Step("the pool destroyed");
-    EXPECT_TRUE(::Tev::Test::MatchesGolden("resources/pool-end.txt", _fake.Transcript()));
 }
 
 class Named final : public TglObject {
@@ -185,16 +143,49 @@ private:
     void DoDeallocate() override {}
 };
 
-// A GL object is valid only with a name, and only while its facade lasts;
-// each resource takes the next number down.
-TEST_F(Pool, GlObjectNeedsANameAndALiveFacade) {
+// Freed, stream, used: none outlives its pool, made live or not; when the
+// facade ends first, everything goes but what a client holds, and the total
+// is left as it stood, so the statistics no longer add up. The resource base
+// under it: a number that is negative until made live, positive while live
+// and negative again once deallocated, exactly once; a pool destroyed first
+// no longer hears of the facade's end (the last step has one Expired!); each
+// resource takes the next number down; a GL object is valid only with a name.
+TEST_F(Pool, EveryBufferIsDeletedWhenThePoolOrTheFacadeGoes) {
+    auto const fill = [](BufferPool& p_pool) {
+        Access::Free(p_pool, Access::FindOrAllocate(p_pool, 10, StaticDraw));
+        Access::Free(p_pool, Access::FindOrAllocate(p_pool, 20, StreamDraw));
+        Access::FindOrAllocate(p_pool, 30, DynamicDraw);
+        return Access::FindOrAllocate(p_pool, 40, StaticDraw);
+    };
+    auto const state = [](TglResource const& p_resource) {
+        return std::string(p_resource.TglInstanceId() > 0 ? "; number positive" : "; number negative") +
+               (p_resource.IsValid() ? ", valid" : ", not valid");
+    };
+    fill(*_pool);
+    _fake.Step("a live pool filled" + state(*_pool));
+    _pool.reset();
+    _fake.Step("and destroyed");
+    auto* const neverLive = new BufferPool(_apiLifetime.Ref<const OglApi>(_fake->Api()));
+    fill(*neverLive);
+    delete neverLive;
+    _fake.Step("a pool never made live filled and destroyed");
+
+    _pool = boost::make_shared<BufferPool>(_apiLifetime.Ref<const OglApi>(_fake->Api()));
     Named unnamed(_fake->Api(), 0), named(_fake->Api(), 7);
-    EXPECT_EQ(named.TglInstanceId(), unnamed.TglInstanceId() - 1);
-    Internal::ResourceAccess::Initialize(unnamed, *_fake.tgl, _fake->Api(), _facadeLifetime);
-    Internal::ResourceAccess::Initialize(named, *_fake.tgl, _fake->Api(), _facadeLifetime);
-    EXPECT_TRUE(!unnamed.IsValid() && named.IsValid());
-    _facadeLifetime.Expire();
-    EXPECT_FALSE(named.IsValid());
+    _fake.Step("a new pool" + state(*_pool) + (named.TglInstanceId() == unnamed.TglInstanceId() - 1 ? "; then two more" : ""));
+    for (TglResource* resource : std::initializer_list<TglResource*>{_pool.get(), &unnamed, &named})
+        Internal::ResourceAccess::Initialize(*resource, *_fake.tgl, _fake->Api(), _facadeLifetime);
+    _fake.Step("all made live: GL objects 0 and 7" + state(unnamed) + state(named));
+    Handle const held = fill(*_pool);
+    {
+        auto const locked = held.lock();
+        _facadeLifetime.Expire();
+        _fake.Step("filled, then the facade ends while a client holds buffer 12" + state(*_pool) + state(named));
+    }
+    Step("the client lets go");
+    _pool.reset();
+    _fake.Step("the pool destroyed");
+    EXPECT_TRUE(::Tev::Test::MatchesGolden("resources/pool-end.txt", _fake.Transcript()));
 }
 
 }  // namespace

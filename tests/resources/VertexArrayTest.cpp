@@ -1,7 +1,9 @@
-// Drawing vertex arrays through the facade on the recording fake: the exact
-// client-array calls, the left-out arrays, entry ranges and the vertex
-// windows; and Begin/End emulation on top: the current-value rule, the two
-// texture sets, and what End draws.
+// Vertex data: its sizes, bounds and tokens; drawing it as vertex arrays
+// through the facade on the recording fake (the exact client-array calls,
+// the left-out arrays, entry ranges and the vertex windows); and Begin/End
+// emulation on top: the current-value rule, the two texture sets, and what
+// End draws.
+#include "ogl/resources/CustomAttribute.h"
 #include "ogl/resources/VertexArray.h"
 #include "ogl/tgl/OglDirectMode.h"
 
@@ -9,9 +11,13 @@
 #include "support/Golden.h"
 #include "tgl/FakeTgl.h"
 
+#include <GL/gl.h>
 #include <gtest/gtest.h>
 
+#include <cstring>
+#include <sstream>
 #include <tuple>
+#include <utility>
 
 namespace Tev::Chart::Ogl {
 namespace {
@@ -21,6 +27,12 @@ using Types::Vector2d;
 using Types::Vector3d;
 using ::Tev::Test::FakeCall;
 using ::Tev::Test::FakeResult;
+
+template <typename T>
+VD::Block BlockOf(std::vector<T> const& p_values) {
+    auto* block = new char[p_values.size() * sizeof(T)];
+    return VD::Block(static_cast<char*>(std::memcpy(block, p_values.data(), p_values.size() * sizeof(T))));
+}
 
 VD::Block Zeros(std::size_t p_bytes) { return VD::Block(new char[p_bytes]()); }
 
@@ -75,9 +87,6 @@ TEST_F(VertexArrayDraw, ClientArrayCallsAsTranscribed) {
     Draw(entries, 0, 6);
     Draw(entries, 1, 1);
     _fake.Step("entries of 1, 2, 3 vertices, one without vertices, of one and of four dimensions; then the second");
-    EXPECT_EQ(entries.Count(), 6u);
-    entries.Clear();
-    EXPECT_EQ(entries.Count(), 0u);
 
     plain.Add(Batch(6));
     data = Batch(4);
@@ -98,20 +107,18 @@ TEST_F(VertexArrayDraw, ClientArrayCallsAsTranscribed) {
 class DirectMode : public VertexArrayDraw {
 protected:
     DirectMode() {
-        for (auto const& [entry, normals] : {std::pair{"glVertexPointer", false}, {"glColorPointer", false},
-                                             {"glTexCoordPointer", false}, {"glNormalPointer", true}})
-            _fake.gl.On(entry, [this, entry, normals](FakeCall const& p_call) -> FakeResult {
-                _arrays.emplace_back(entry, normals ? 3 : int(p_call.Int(0)),
-                                     static_cast<double const*>(p_call.Ptr(p_call.args.size() - 1)));
-                return std::int64_t{0};
+        for (char const* entry : {"glVertexPointer", "glColorPointer", "glTexCoordPointer", "glNormalPointer"})
+            _fake.gl.On(entry, [this, entry](FakeCall const& p_call) -> FakeResult {
+                std::size_t const n = p_call.args.size();  // normals come without a size
+                return _arrays.emplace_back(entry, n == 3 ? 3 : int(p_call.Int(0)), static_cast<double const*>(p_call.Ptr(n - 1))),
+                       std::int64_t{0};
             });
         _fake.gl.On("glDrawArrays", [this](FakeCall const& p_call) -> FakeResult {
-            for (auto const& [entry, dims, values] : _arrays) {
-                auto out = Debug::dlog();
-                out << entry << ':';
+            for (auto const& [entry, dims, values] : std::exchange(_arrays, {})) {
+                std::ostringstream out;
                 for (std::int64_t i = 0; i < dims * p_call.Int(2); ++i) out << ' ' << values[p_call.Int(1) * dims + i];
+                Debug::dlog() << entry << ':' << out.str();
             }
-            _arrays.clear();
             return std::int64_t{0};
         });
     }
@@ -126,9 +133,9 @@ protected:
     std::vector<std::tuple<std::string, int, double const*>> _arrays;
     OglDirectMode _mode;
 };
+
 // The primitives and the packing of all ten, with colours per vertex, are
-// compared with the driver's own pixels in TglRender.EveryPrimitiveGivesThe-
-// DriversOwnPixels; this transcript holds the rest: the last colour given
+// compared with the driver's own pixels on generated scenes in TglOracle; this transcript holds the rest: the last colour given
 // before a vertex wins, a normal given once covers every vertex and one never
 // given sends no array, two texture sets per block with the third reported,
 // missing components take defaults, pixels of lines lie on pixel centres, and
@@ -176,6 +183,83 @@ TEST_F(DirectMode, BlocksAsTranscribed) {
         End("pixels (2, 3) and (4, 5) in primitive " + std::to_string(primitive));
     }
     EXPECT_TRUE(::Tev::Test::MatchesGolden("resources/direct-mode.txt", _fake.Transcript()));
+}
+
+// Vertex data without GL. Each step shows the sizes and bounds of the data in
+// its label, then what was reported on the way: sizes count every defined
+// array per vertex; bounds run over the vertices the indices name (those
+// beyond the vertices skipped), or over all, and are empty and reported for
+// vertices that cannot be read; the Free calls drop the blocks and keep the
+// descriptions, in a copy only (its blocks are shared, its descriptions its
+// own); Clear forgets all but the indices; a datum size of vertices that
+// cannot be drawn is reported; tokens out of range are 0 and reported; the
+// attribute names.
+TEST(VertexData, SizesBoundsAndNamesAsTranscribed) {
+    ::Tev::Test::FakeTgl log;
+    VD data;
+    auto const show = [&](std::string const& p_label) {
+        std::ostringstream os;
+        os << p_label << ": vertex bytes " << data.VertexDataSize() << ", index bytes " << data.IndexDataSize()
+           << ", bounds " << data.BoundingBox() << (data.primitive.Defined() ? ", a primitive" : "");
+        log.Step(os.str());
+    };
+    show("nothing");
+    data.vertices = VD::Vertices{Zeros(120), VD::XYZ, VD::Float, 10};
+    data.normals = VD::Normals{Zeros(120), VD::Float};
+    data.colors = VD::Colors{Zeros(160), VD::Float, true};
+    show("10 float vertices, normals, colours with alpha");
+    data.colors->alpha = false;
+    data.texCoords0 = VD::TexCoords{Zeros(80), VD::Float, VD::XY, -1};
+    data.texCoords1 = VD::TexCoords{Zeros(240), VD::Double, VD::XYZ, 3};
+    data.edgeFlags = VD::EdgeFlags{Zeros(10)};
+    data.indices = VD::Indices{Zeros(12), VD::UnsignedShort, 6};
+    data.primitive = VD::Triangles;
+    show("no alpha, two float and three double texture coordinates, edge flags, 6 short indices");
+    VD const copy = data;
+    data.FreeIndexMemory();
+    show("index memory freed");
+    data.FreeVertexMemory();
+    show("vertex memory freed");
+    data = copy;
+    show("the copy made before");
+    data.Clear();
+    show("cleared");
+    data = VD();
+    data.vertices = VD::Vertices{BlockOf<float>({1, 2, 3, -4, 5, 0.5f, 7, -8, 9}), VD::XYZ, VD::Float, 3};
+    show("3 float vertices");
+    data.vertices = VD::Vertices{BlockOf<short>({1, 2, -3, 4, 5, -6, 100, 100}), VD::XY, VD::Short, 4};
+    data.indices = VD::Indices{BlockOf<unsigned short>({2, 0, 2, 9}), VD::UnsignedShort, 4};
+    show("4 short vertices of two, indices 2 0 2 9");
+    data.indices = VD::Indices{BlockOf<unsigned>({1}), VD::UnsignedInt, 1};
+    show("index 1");
+    data.indices = VD::Indices{BlockOf<int>({1}), VD::ElementIndexType(3), 1};
+    show("an index of no type");
+    data.indices.Undefine();
+    data.vertices = VD::Vertices{Zeros(64), VD::XYZW, VD::Double, 2};
+    show("double vertices of four");
+    data.vertices = VD::Vertices{Zeros(64), VD::XY, VD::ElementType(7), 2};
+    show("vertices of no type");
+    for (auto [dims, type] : {std::pair{VD::X, VD::Double}, {VD::XY, VD::Short}})
+        log.Step("datum of " + std::to_string(dims) + " of type " + std::to_string(type) + ": " +
+                 std::to_string(VD::Vertices{Zeros(32), dims, type, 1}.DatumSize()));
+    log.Step("tokens out of range: " + std::to_string(VD::ToToken(VD::ElementType(4))) + " " +
+             std::to_string(VD::ToToken(VD::ElementIndexType(3))) + " " + std::to_string(VD::ToToken(VD::Primitive(-1))));
+    std::string names = "attribute names:";
+    for (int id : {0, 7, 8, 15, 16, -1}) names += std::string(" \"") + CustomAttribute::NameFromId(CustomAttribute::Id(id)) + "\"";
+    log.Step(names);
+    EXPECT_TRUE(::Tev::Test::MatchesGolden("resources/vertex-data.txt", log.Transcript()));
+}
+
+// The token tables against the GL header's own enumerants.
+TEST(VertexData, TokensAreTheGlEnumerants) {
+    std::vector<unsigned> tokens;
+    for (int t = 0; t < 4; ++t) tokens.push_back(VD::ToToken(VD::ElementType(t)));
+    for (int t = 0; t < 3; ++t) tokens.push_back(VD::ToToken(VD::ElementIndexType(t)));
+    for (int p = 0; p < 10; ++p) tokens.push_back(VD::ToToken(VD::Primitive(p)));
+    EXPECT_EQ(tokens, (std::vector<unsigned>{GL_SHORT, GL_INT, GL_FLOAT, GL_DOUBLE, GL_UNSIGNED_BYTE, GL_UNSIGNED_SHORT,
+                                             GL_UNSIGNED_INT, GL_POINTS, GL_LINES, GL_LINE_LOOP, GL_LINE_STRIP,
+                                             GL_TRIANGLES, GL_TRIANGLE_STRIP, GL_TRIANGLE_FAN, GL_QUADS, GL_QUAD_STRIP,
+                                             GL_POLYGON}));
 }
 
 }  // namespace
