@@ -134,12 +134,9 @@ TEST_F(Pool, MappingWindowsAndTheirChecksAsTranscribed) {
     EXPECT_TRUE(::Tev::Test::MatchesGolden("resources/mapping.txt", _fake.Transcript()));
 }
 
-class Named final : public TglObject {
-public:
+struct Named final : TglObject {
     Named(OglApi const& p_api, unsigned p_name) : TglObject(p_api, p_name) {}
     ~Named() override { Deallocate(); }
-
-private:
     void DoDeallocate() override {}
 };
 
