@@ -1,6 +1,7 @@
 // The buffer pool on the recording fake: exact reuse, stream buffers, the
 // statistics, usage tokens, mapping windows with their checks, copies, and
-// that every buffer the pool makes is deleted again.
+// that every buffer the pool makes is deleted again; through the pool, the
+// resource base's states and log lines.
 #include "ogl/resources/BufferPool.h"
 
 #include "support/Golden.h"
@@ -9,6 +10,8 @@
 
 #include <boost/make_shared.hpp>
 #include <gtest/gtest.h>
+
+#include <tuple>
 
 namespace Tev::Chart::Ogl {
 namespace {
@@ -85,65 +88,65 @@ TEST_F(Pool, ReuseStreamBuffersAndStatisticsAsTranscribed) {
     _pool->ReleaseFreedMemory();
     Step("freed memory released");
 
-    for (int f = 0; f <= 3; ++f)
-        for (int n = 0; n < 4; ++n)
-            if (f < 3 || n == 0)
-                Step("frequency " + std::to_string(f) + ", nature " + std::to_string(n) + ": usage token " +
-                     std::to_string(Access::UsageToken(BufferUsage(BufferUsage::Frequency(f), BufferUsage::Nature(n)))));
+    std::string tokens = "usage tokens of 3 frequencies by 4 natures, then of a fourth frequency:";
+    for (int f = 0; f < 4; ++f)
+        for (int n = 0; n < (f < 3 ? 4 : 1); ++n)
+            tokens += " " + std::to_string(Access::UsageToken(BufferUsage(BufferUsage::Frequency(f), BufferUsage::Nature(n))));
+    Step(tokens);
     Access::Copy(*_pool, 4, 5, 16, 32, 64);
     Step("copy 64 bytes from 16 in buffer 4 to 32 in buffer 5");
     EXPECT_TRUE(::Tev::Test::MatchesGolden("resources/pool.txt", _fake.Transcript()));
 }
 
-// Mapping binds, maps and unbinds; its window (first, count, stride 4) must
-// lie in the 40 bytes, one may end at the buffer's end; a second map, an
-// unmap of what is not mapped, a wrong pointer and a null answer are
+// The access bits per kind and flag, a read-write map taking only the
+// default; mapping binds, maps and unbinds; its window (first, count, stride
+// 4) must lie in the 40 bytes, one may end at the buffer's end; a second map,
+// an unmap of what is not mapped, a wrong pointer and a null answer are
 // reported.
 TEST_F(Pool, MappingWindowsAndTheirChecksAsTranscribed) {
-    Handle const h = Get(40, StaticDraw);
-    unsigned const name = h.lock()->Buffer();
-    Access::Unmap(*_pool, g_mapped, name, GL_ARRAY_BUFFER);
-    Step("unmapped before mapping");
-    EXPECT_EQ(Access::Map(*_pool, h, 2, 8, 4, WriteInvalidate, GL_ARRAY_BUFFER), g_mapped);
-    EXPECT_TRUE(Access::IsMapped(*_pool, name));
-    Access::Map(*_pool, h, 0, 1, 4, WriteInvalidate, GL_ARRAY_BUFFER);
-    Access::Unmap(*_pool, g_mapped, name, GL_ARRAY_BUFFER);
-    EXPECT_FALSE(Access::IsMapped(*_pool, name));
-    Step("window 2, 8 mapped, mapped again, unmapped");
-    struct Row {
-        std::uint64_t first, count;
-        char* unmapped;
-    } const rows[] = {{0, 0, g_mapped}, {10, 1, g_mapped}, {8, 2, g_mapped}, {0, 1, g_mapped + 1}};
-    for (Row const& row : rows) {
-        Access::Map(*_pool, h, row.first, row.count, 4, WriteInvalidate, GL_ARRAY_BUFFER);
-        Access::Unmap(*_pool, row.unmapped, name, GL_ARRAY_BUFFER);
-        EXPECT_FALSE(Access::IsMapped(*_pool, name));
-        Step("window " + std::to_string(row.first) + ", " + std::to_string(row.count) +
-             (row.unmapped == g_mapped ? "" : ", unmapped by a wrong pointer"));
-    }
-    _fake.gl.On("glMapBufferRange", [](FakeCall const&) -> FakeResult { return static_cast<void const*>(nullptr); });
-    EXPECT_EQ(Access::Map(*_pool, h, 0, 16, 1, GL_MAP_WRITE_BIT, GL_ARRAY_BUFFER), nullptr);
-    EXPECT_TRUE(Access::IsMapped(*_pool, name));
-    Step("the driver maps nothing");
-    EXPECT_TRUE(::Tev::Test::MatchesGolden("resources/mapping.txt", _fake.Transcript()));
-}
-
-TEST(BufferMapAccess, BitsPerAccessKindAndFlag) {
     using Sync = BufferMapWriteSync;
     using Write = Internal::AccessPermission<2>;
     using ReadWrite = Internal::AccessPermission<1>;
-    Debug::CaptureScope capture;
-    EXPECT_EQ((std::vector<unsigned>{Write::Permission(Sync::Default), Write::Permission(Sync::InvalidateRange),
-                                     Write::Permission(Sync::InvalidateBuffer), ReadWrite::Permission(Sync::Default)}),
-              (std::vector<unsigned>{0x02, 0x06, 0x0A, 0x03}));
-    EXPECT_TRUE(::Tev::Test::Assertions(capture).empty());
-    EXPECT_EQ(ReadWrite::Permission(Sync::InvalidateBuffer), 0x03u);
-    EXPECT_TRUE(::Tev::Test::HasAssertion(capture, "p_access == BufferMapWriteSync::Default && \"ReadWrite buffers only support default flushing\""));
+    std::string bits = "access bits";
+    for (unsigned permission : {Write::Permission(Sync::Default), Write::Permission(Sync::InvalidateRange), WriteInvalidate,
+                                ReadWrite::Permission(Sync::Default), ReadWrite::Permission(Sync::InvalidateBuffer)})
+        bits += " " + std::to_string(permission);
+    _fake.Step(bits);
+    Handle const h = Get(40, StaticDraw);
+    unsigned const name = h.lock()->Buffer();
+    auto const step = [&](std::string const& p_label, void* p_got) {
+        Step(p_label + (p_got == g_mapped ? ", got the driver's pointer" : p_got ? ", got another" : ", got null") +
+             (Access::IsMapped(*_pool, name) ? ", still mapped" : ""));
+    };
+    Access::Unmap(*_pool, g_mapped, name, GL_ARRAY_BUFFER);
+    step("unmapped before mapping", nullptr);
+    void* const first = Access::Map(*_pool, h, 2, 8, 4, WriteInvalidate, GL_ARRAY_BUFFER);
+    step("window 2, 8", first);
+    for (auto [first, count, unmapped] : std::initializer_list<std::tuple<std::uint64_t, std::uint64_t, char*>>{
+             {0, 1, g_mapped}, {0, 0, g_mapped}, {10, 1, g_mapped}, {8, 2, g_mapped}, {0, 1, g_mapped + 1}}) {
+        void* const got = Access::Map(*_pool, h, first, count, 4, WriteInvalidate, GL_ARRAY_BUFFER);
+        Access::Unmap(*_pool, unmapped, name, GL_ARRAY_BUFFER);
+        step("window " + std::to_string(first) + ", " + std::to_string(count) + " mapped and unmapped" +
+             (unmapped == g_mapped ? "" : " by a wrong pointer"), got);
+    }
+    _fake.gl.On("glMapBufferRange", [](FakeCall const&) -> FakeResult { return static_cast<void const*>(nullptr); });
+    step("the driver maps nothing", Access::Map(*_pool, h, 0, 16, 1, GL_MAP_WRITE_BIT, GL_ARRAY_BUFFER));
+    EXPECT_TRUE(::Tev::Test::MatchesGolden("resources/mapping.txt", _fake.Transcript()));
 }
+
+struct Named final : TglObject {
+    Named(OglApi const& p_api, unsigned p_name) : TglObject(p_api, p_name) {}
+    ~Named() override { Deallocate(); }
+    void DoDeallocate() override {}
+};
 
 // Freed, stream, used: none outlives its pool, made live or not; when the
 // facade ends first, everything goes but what a client holds, and the total
-// is left as it stood, so the statistics no longer add up.
+// is left as it stood, so the statistics no longer add up. The resource base
+// under it: a number that is negative until made live, positive while live
+// and negative again once deallocated, exactly once; a pool destroyed first
+// no longer hears of the facade's end (the last step has one Expired!); each
+// resource takes the next number down; a GL object is valid only with a name.
 TEST_F(Pool, EveryBufferIsDeletedWhenThePoolOrTheFacadeGoes) {
     auto const fill = [](BufferPool& p_pool) {
         Access::Free(p_pool, Access::FindOrAllocate(p_pool, 10, StaticDraw));
@@ -151,24 +154,34 @@ TEST_F(Pool, EveryBufferIsDeletedWhenThePoolOrTheFacadeGoes) {
         Access::FindOrAllocate(p_pool, 30, DynamicDraw);
         return Access::FindOrAllocate(p_pool, 40, StaticDraw);
     };
+    auto const state = [](TglResource const& p_resource) {
+        return std::string(p_resource.TglInstanceId() > 0 ? "; number positive" : "; number negative") +
+               (p_resource.IsValid() ? ", valid" : ", not valid");
+    };
     fill(*_pool);
+    _fake.Step("a live pool filled" + state(*_pool));
     _pool.reset();
-    _fake.Step("a live pool filled and destroyed");
+    _fake.Step("and destroyed");
     auto* const neverLive = new BufferPool(_apiLifetime.Ref<const OglApi>(_fake->Api()));
     fill(*neverLive);
     delete neverLive;
     _fake.Step("a pool never made live filled and destroyed");
 
     _pool = boost::make_shared<BufferPool>(_apiLifetime.Ref<const OglApi>(_fake->Api()));
-    Internal::ResourceAccess::Initialize(*_pool, *_fake.tgl, _fake->Api(), _facadeLifetime);
+    Named unnamed(_fake->Api(), 0), named(_fake->Api(), 7);
+    _fake.Step("a new pool" + state(*_pool) + (named.TglInstanceId() == unnamed.TglInstanceId() - 1 ? "; then two more" : ""));
+    for (TglResource* resource : std::initializer_list<TglResource*>{_pool.get(), &unnamed, &named})
+        Internal::ResourceAccess::Initialize(*resource, *_fake.tgl, _fake->Api(), _facadeLifetime);
+    _fake.Step("all made live: GL objects 0 and 7" + state(unnamed) + state(named));
     Handle const held = fill(*_pool);
     {
         auto const locked = held.lock();
         _facadeLifetime.Expire();
-        EXPECT_FALSE(_pool->IsValid());
-        _fake.Step("the facade ends while a client holds buffer 12");
+        _fake.Step("filled, then the facade ends while a client holds buffer 12" + state(*_pool) + state(named));
     }
     Step("the client lets go");
+    _pool.reset();
+    _fake.Step("the pool destroyed");
     EXPECT_TRUE(::Tev::Test::MatchesGolden("resources/pool-end.txt", _fake.Transcript()));
 }
 
