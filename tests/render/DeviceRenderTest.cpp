@@ -131,9 +131,19 @@ TEST_F(Devices, EveryKindDrawsAFrameAndReadsItBack) {
     int const unsafeDouble = FindFormat(Pfd::DoubleBuffer, Pfd::GenericFormat, -1, true);
     int const unsafeSingle = FindFormat(0, Pfd::DoubleBuffer | Pfd::GenericFormat, -1, true);
     ASSERT_TRUE(window && generic && unsafeDouble && unsafeSingle) << "the X server lacks a kind of format";
+    {
+        Debug::CaptureScope capture;  // a window the server does not know
+        EXPECT_TRUE(!GetDisplayHndFromWnd(0x7FFFFFF0) && Device::GetRootWindowHandle(DisplayHnd::OSMesaDisplay) == 0);
+        EXPECT_TRUE(HasAssertion(capture, "found && !trap.Failed(\"XGetWindowAttributes\") && \"Window not found on the default display\""));
+    }
     std::vector<Row> const rows = {
         {"GLX window", [&] {
              XTestWindow const& x = WindowOf(window, 0);
+             // The display to draw into a window with, found from the window
+             // alone; its root window is the server's.
+             DisplayHnd const fromWindow = GetDisplayHndFromWnd(x.Id());
+             EXPECT_TRUE(fromWindow && Device::GetRootWindowHandle(fromWindow) != 0 &&
+                         Device::GetRootWindowHandle(fromWindow) == Device::GetRootWindowHandle(_display));
              auto device = boost::make_shared<DeviceGLX>(*_system, x.Device(), FormatOf(window));
              EXPECT_EQ(_system->GetPixelFormat(device->HardwareHandle()), window);
              // A window's format is set once; a format of a deeper visual

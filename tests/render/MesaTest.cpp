@@ -49,6 +49,8 @@ TEST(ContextOSMesa, NestingAndMisuseAreReportedAndSurvived) {
     std::thread([&] { context.MakeCurrent(device), context.DoneCurrent(); }).join();
     context.DoneCurrent();
     EXPECT_EQ(context.CurrentCount(), 0);
+    DeviceOSMesa const huge(DeviceOSMesa::MaxSide + 1, 4);  // past OSMesa: empty
+    EXPECT_EQ(huge.Buffer().Width(), 0);
     const_cast<DeviceFormat&>(device.Format()).id = 7;
     ContextOSMesa const foreign(device);
     std::vector<std::string> conditions;
