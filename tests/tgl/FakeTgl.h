@@ -10,7 +10,6 @@
 #include <GL/gl.h>
 #include <GL/glext.h>
 
-#include <algorithm>
 #include <map>
 #include <memory>
 #include <regex>
@@ -22,6 +21,7 @@ class FakeTgl {
 public:
     // GL 4.5 with eight lights and a value of its own for every limit, so
     // that a field read from the wrong query shows; points 1..64, lines 1..10.
+    // glGetDoublev answers from doubles.
     FakeTgl() {
         for (auto const& [name, value] : std::map<GLenum, GLint>{
                  {GL_MAX_LIGHTS, 8}, {GL_STENCIL_BITS, 8}, {GL_MAX_CLIP_PLANES, 6}, {GL_MAX_TEXTURE_COORDS, 10},
@@ -31,13 +31,11 @@ public:
                  {GL_MAX_COMBINED_TEXTURE_IMAGE_UNITS, 96}, {GL_MAX_NAME_STACK_DEPTH, 64}})
             gl.SetInteger(name, {value});
         gl.SetInteger(GL_MAX_VIEWPORT_DIMS, {8192, 4096});
-        for (GLenum name : {GL_POINT_SIZE_RANGE, GL_ALIASED_POINT_SIZE_RANGE}) doubles[name] = {1.0, 64.0};
-        for (GLenum name : {GL_LINE_WIDTH_RANGE, GL_ALIASED_LINE_WIDTH_RANGE}) doubles[name] = {1.0, 10.0};
+        doubles = {{GL_POINT_SIZE_RANGE, {1, 64}}, {GL_ALIASED_POINT_SIZE_RANGE, {1, 64}},
+                   {GL_LINE_WIDTH_RANGE, {1, 10}}, {GL_ALIASED_LINE_WIDTH_RANGE, {1, 10}}};
         gl.On("glGetDoublev", [this](FakeCall const& p_call) -> FakeResult {
-            auto const found = doubles.find(GLenum(p_call.Int(0)));
-            if (found != doubles.end())
-                std::copy(found->second.begin(), found->second.end(), static_cast<double*>(const_cast<void*>(p_call.Ptr(1))));
-            return std::int64_t{0};
+            auto const& values = doubles[GLenum(p_call.Int(0))];
+            return std::copy(values.begin(), values.end(), static_cast<double*>(const_cast<void*>(p_call.Ptr(1)))), std::int64_t{0};
         });
     }
 
@@ -50,7 +48,6 @@ public:
         return *tgl;
     }
     Chart::Ogl::Tgl* operator->() { return tgl.get(); }
-    std::size_t Count(std::string const& p_name) const { return gl.Calls(p_name).size(); }
 
     // Shows p_pointer in the transcript as "&p_name".
     void Name(void const* p_pointer, std::string const& p_name) {
@@ -59,31 +56,25 @@ public:
         _names.emplace_back(std::regex(os.str() + "\\b"), "&" + p_name);
     }
     // Ends a step: its label, then the calls and the log entries since the
-    // step before, one a line, with other pointers shown as "&".
+    // step before, one a line, with other pointers shown as "&" and resource
+    // numbers (which depend on what the process made before) as "n".
     void Step(std::string const& p_label) {
-        static std::regex const pointer("0x[0-9a-f]+");
+        static std::regex const pointer("0x[0-9a-f]+"), resource("TglResource\\(-?[0-9]+\\)");
         _transcript << "== " << p_label << '\n';
         for (std::string call : gl.CallStrings()) {
             for (auto const& [named, name] : _names) call = std::regex_replace(call, named, name);
             _transcript << std::regex_replace(call, pointer, "&") << '\n';
         }
-        // Resource numbers depend on what the process made before.
-        static std::regex const resource("TglResource\\(-?[0-9]+\\)");
         for (auto const& entry : capture.Entries())
             _transcript << '[' << Debug::ChannelName(entry.channel) << (entry.category.empty() ? "" : " ")
                         << entry.category << "] " << std::regex_replace(entry.text, resource, "TglResource(n)") << '\n';
-        gl.ClearCalls();
-        capture.Sink().Clear();
+        gl.ClearCalls(), capture.Sink().Clear();
     }
     // Adds the lines of the facade's state dump that name one of p_names.
     void Tracked(std::vector<std::string> const& p_names) {
-        std::string text;
-        {
-            Debug::CaptureScope dumped;
-            tgl->DumpState();
-            text = dumped.Texts(Debug::Channel::Debug).at(0);
-        }
-        std::istringstream dump(text);
+        Debug::CaptureScope dumped;
+        tgl->DumpState();
+        std::istringstream dump(dumped.Texts(Debug::Channel::Debug).at(0));
         for (std::string line; std::getline(dump, line);)
             for (auto const& name : p_names)
                 if (line.rfind("\t" + name + " =", 0) == 0) _transcript << "  " << line.substr(1) << '\n';
