@@ -27,12 +27,9 @@ ImplementationFiles FaultFiles(bool p_isSystem, std::string const& p_gl = TEVOGL
 // The scripting functions of the fault library. It starts as a GL 4.5
 // driver with the EXT framebuffer objects and ARB debug output, whose lookup
 // answers null for names it does not know.
-class FaultDriver {
-public:
+struct FaultDriver {
     explicit FaultDriver(bool p_isSystem = true) : impl(FaultFiles(p_isSystem)) {
-        Missing("");
-        StubEveryName(false);
-        Call<void (*)(GLenum)>("tevoglFaultSetError")(0);
+        Missing(""), StubEveryName(false), Error(0);
         for (auto const& [name, value] : std::map<GLenum, char const*>{
                  {0x1F00, "Fault Vendor"}, {0x1F01, "Fault Renderer"}, {0x1F02, "4.5 Fault"},
                  {0x1F03, "GL_EXT_framebuffer_object GL_ARB_debug_output"}, {0x8B8C, "1.20"}, {100801, "GLU_EXT_fault"}})
@@ -40,10 +37,10 @@ public:
     }
     void Missing(char const* p_names) { Call<void (*)(char const*)>("tevoglFaultSetMissing")(p_names); }
     void StubEveryName(bool p_on) { Call<void (*)(int)>("tevoglFaultSetStubEveryName")(p_on); }
-    void String(GLenum p_name, char const* p_value) {
-        Call<void (*)(GLenum, char const*)>("tevoglFaultSetString")(p_name, p_value);
-    }
+    void String(GLenum p_name, char const* p_value) { Call<void (*)(GLenum, char const*)>("tevoglFaultSetString")(p_name, p_value); }
     void Error(GLenum p_error) { Call<void (*)(GLenum)>("tevoglFaultSetError")(p_error); }
+    template <typename F>
+    F Call(char const* p_name) { return reinterpret_cast<F>(impl.FindGl(p_name)); }
     // The message of the exception that filling a table throws.
     template <typename Exception = IncompleteOglImpl>
     static std::string MessageOf(GlImplementation const& p_impl) {
@@ -57,14 +54,6 @@ public:
     std::string MessageOf() { return MessageOf(impl); }
 
     GlImplementation impl;
-
-private:
-    template <typename F>
-    F Call(char const* p_name) {
-        auto const function = reinterpret_cast<F>(impl.FindGl(p_name));
-        if (!function) throw std::logic_error(std::string("fault library lacks ") + p_name);
-        return function;
-    }
 };
 
 TEST(OglApiLoader, OptionalEntriesMayBeMissingRequiredOnesMayNot) {
