@@ -10,8 +10,7 @@
 #include "ogl/device/glx/DeviceGLX.h"
 #include "support/LogCapture.h"
 #include "support/ScopedEnv.h"
-#include "support/XServerTest.h"
-#include "support/XTestWindow.h"
+#include "support/XServer.h"
 
 #include <gtest/gtest.h>
 
