@@ -45,8 +45,7 @@ std::uint32_t Colour(int p_frame, bool p_fore) {
 
 void Draw(OglApi const& p_gl, int p_frame) {
     auto const channel = [&](bool p_fore, int p_shift) { return float((Colour(p_frame, p_fore) >> p_shift) & 0xFF) / 255; };
-    p_gl.Viewport(0, 0, Size, Size);
-    p_gl.ClearColor(channel(false, 16), channel(false, 8), channel(false, 0), 1), p_gl.Clear(GL_COLOR_BUFFER_BIT);
+    p_gl.Viewport(0, 0, Size, Size), p_gl.ClearColor(channel(false, 16), channel(false, 8), channel(false, 0), 1), p_gl.Clear(GL_COLOR_BUFFER_BIT);
     p_gl.Color4f(channel(true, 16), channel(true, 8), channel(true, 0), 1);
     p_gl.Begin(GL_TRIANGLES), p_gl.Vertex2d(-1, -1), p_gl.Vertex2d(1, -1), p_gl.Vertex2d(-1, 1), p_gl.End(), p_gl.Finish();
 }
@@ -116,16 +115,13 @@ TEST_F(Devices, EveryKindDrawsAFrameAndReadsItBack) {
     struct Row {
         std::string name;
         std::function<DeviceContext()> make;
-        DeviceFormat::DeviceType current;
-        GLenum buffer;
-        Shown shown;
+        DeviceFormat::DeviceType current;  // with the buffer read while current (GL_NONE: none), where the frame shows
+        GLenum buffer; Shown shown;
         int id = 0;  // the format the device keeps, 0: any
         bool mesa = false;
     };
-    int const window = FindFormat(Pfd::DoubleBuffer, Pfd::GenericFormat, 24);
-    int const generic = FindFormat(Pfd::GenericFormat | Pfd::DrawToBitmap, Pfd::DoubleBuffer, 24);
-    int const unsafeDouble = FindFormat(Pfd::DoubleBuffer, Pfd::GenericFormat, -1, true);
-    int const unsafeSingle = FindFormat(0, Pfd::DoubleBuffer | Pfd::GenericFormat, -1, true);
+    int const window = FindFormat(Pfd::DoubleBuffer, Pfd::GenericFormat, 24), generic = FindFormat(Pfd::GenericFormat | Pfd::DrawToBitmap, Pfd::DoubleBuffer, 24);
+    int const unsafeDouble = FindFormat(Pfd::DoubleBuffer, Pfd::GenericFormat, -1, true), unsafeSingle = FindFormat(0, Pfd::DoubleBuffer | Pfd::GenericFormat, -1, true);
     ASSERT_TRUE(window && generic && unsafeDouble && unsafeSingle) << "the X server lacks a kind of format";
     auto const pbuffer = [&](int p_id) { return [&, p_id] { return Direct(boost::make_shared<DeviceGLX>(*_system, Size, Size, _display.Handle(), FormatOf(p_id))); }; };
     std::vector<Row> const rows = {
@@ -228,9 +224,8 @@ TEST_F(Devices, GlxContextBindsWithoutRoundTripsAndGivesDebugContextsOnRequest) 
         EXPECT_GT(requestsToBindAndRelease(), 0u);
         EXPECT_EQ(requestsToBindAndRelease(), 0u);
 
-        context.MakeCurrent(device);
         GLint flags = 0;
-        OglApi(ApiSystem).GetIntegerv(GL_CONTEXT_FLAGS, &flags);
+        context.MakeCurrent(device), OglApi(ApiSystem).GetIntegerv(GL_CONTEXT_FLAGS, &flags);
         EXPECT_EQ(bool(flags & GL_CONTEXT_FLAG_DEBUG_BIT), diagnostics);
         context.DoneCurrent();
         EXPECT_TRUE(Assertions(capture).empty()) << Assertions(capture).front();

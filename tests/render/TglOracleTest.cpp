@@ -56,8 +56,7 @@ std::map<std::string, std::function<void(Side&, Values const&)>> const Plays = {
     {"Light", [](Side& s, Values const& v) {  // light 0: position, diffuse colour
          if (s.t) return s.t->Light(GL_LIGHT0, GL_POSITION, Chart::Types::Vector4d(v[0], v[1], v[2], v[3])), s.t->Light(GL_LIGHT0, GL_DIFFUSE, ColorOf(v, 4));
          auto const lightfv = reinterpret_cast<void(TGL_APIENTRY*)(GLenum, GLenum, GLfloat const*)>(s.gl.ProcAddress("glLightfv"));
-         float const position[4] = {float(v[0]), float(v[1]), float(v[2]), float(v[3])};
-         lightfv(GL_LIGHT0, GL_POSITION, position), lightfv(GL_LIGHT0, GL_DIFFUSE, Floats(ColorOf(v, 4)).data());
+         lightfv(GL_LIGHT0, GL_POSITION, std::array{float(v[0]), float(v[1]), float(v[2]), float(v[3])}.data()), lightfv(GL_LIGHT0, GL_DIFFUSE, Floats(ColorOf(v, 4)).data());
      }},
     {"Material", [](Side& s, Values const& v) {  // ambient, diffuse, specular, emission, shininess
          if (s.t) return s.t->Material({0, ColorOf(v, 0), ColorOf(v, 4), ColorOf(v, 8), ColorOf(v, 12), float(v[16])});
@@ -188,8 +187,7 @@ protected:
         // Mesa's pop does not always switch off a light or lighting that a
         // scene left on; they go off by hand.
         for (GLenum const cap : {GL_LIGHTING, GL_LIGHT0, GL_COLOR_MATERIAL, GL_SCISSOR_TEST}) _gl->Disable(cap);
-        _gl->ClearColor(0, 0, 0, 1);
-        _gl->Clear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
+        _gl->ClearColor(0, 0, 0, 1), _gl->Clear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
         {
             Debug::CaptureScope quiet;
             std::unique_ptr<Tgl> tgl = p_facade ? std::make_unique<Tgl>(*_gl, DeviceFeatureMask::PermitAll()) : nullptr;
