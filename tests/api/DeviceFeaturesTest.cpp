@@ -22,7 +22,7 @@ protected:
     // entries p_missing; deciding them must not call GL.
     F Determine(char const* p_version, ExtensionSet const& p_extensions, std::set<std::string> const& p_missing = {}) {
         F const features = F::Determine(fake.Api(p_missing), Chart::Utility::VersionNo::Parse(p_version), p_extensions);
-        EXPECT_TRUE(fake.Calls().empty());
+        EXPECT_TRUE(fake.CallStrings().empty());
         return features;
     }
     FakeGl fake;

@@ -26,6 +26,7 @@ namespace {
 using namespace Chart::Ogl;
 using Chart::Utility::VersionNo;
 using Debug::Channel;
+using R = DeviceFormatRequest;
 
 // Every MakeCurrent binds, only the last DoneCurrent releases; a swap after
 // it, a bind from another thread (carried out: the binding moves) and a
@@ -44,8 +45,7 @@ TEST(ContextOSMesa, NestingAndMisuseAreReportedAndSurvived) {
     context.DoneCurrent();
     EXPECT_TRUE(context.CurrentCount() == 0 && Assertions(capture).empty());
 
-    context.SwapBuffers();
-    context.MakeCurrent(device);
+    context.SwapBuffers(), context.MakeCurrent(device);  // a swap while not current, then a bind moved by another thread
     std::thread([&] { context.MakeCurrent(device), context.DoneCurrent(); }).join();
     context.DoneCurrent();
     EXPECT_EQ(context.CurrentCount(), 0);
@@ -62,8 +62,7 @@ TEST(ContextOSMesa, NestingAndMisuseAreReportedAndSurvived) {
 // chose; an empty size is reported, and the device made anyway.
 TEST(DeviceContextOnOSMesa, LogsTheRequestAndTheChosenFormat) {
     Debug::CaptureScope capture;
-    DeviceFormatRequest request{DeviceFormatRequest::Offscreen, {4, 4}, DeviceFormatRequest::Software, false, true,
-                                true, false, {}};
+    R request{R::Offscreen, {4, 4}, R::Software, false, true, true, false, {}};
     DeviceContext const dc(DisplayHnd::OSMesaDisplay, nullptr, request);
     EXPECT_TRUE(MatchesGolden("render/osmesa-device-context.txt", Lines(capture.Texts(Channel::Out))));
     request.size = {0, 0};
@@ -78,8 +77,7 @@ TEST_F(MesaContext, MesaReportsItsVersionsAndSupportsEveryFeature) {
     EXPECT_TRUE(!_gl->IsSystem && _gl->Vendor == MESA && _gl->GlslVersion >= VersionNo(4, 50, 0) && _gl->GluVersion == VersionNo(0, 0, 0));
     EXPECT_TRUE(_gl->GlVersion >= VersionNo(4, 5, 0) && _gl->GlVersion.Text().find("Compatibility") != std::string::npos) << _gl->GlVersion.Text();
     Debug::CaptureScope capture;
-    DeviceFeatures const features = DeviceFeatures::Determine(*_gl, _gl->GlVersion, ReadExtensions(*_gl));
-    EXPECT_EQ(features.AllSupported(), DeviceFeatures::Set(0x3FF)) << _gl->GlVersion.Text();
+    EXPECT_EQ(DeviceFeatures::Determine(*_gl, _gl->GlVersion, ReadExtensions(*_gl)).AllSupported(), DeviceFeatures::Set(0x3FF)) << _gl->GlVersion.Text();
     EXPECT_TRUE(capture.Texts(Channel::Out).empty());
 }
 
@@ -90,8 +88,7 @@ TEST_F(MesaContext, GluSphereDrawsIntoTheOSMesaBuffer) {
     _gl->ClearColor(0, 0, 0, 1), _gl->Clear(GL_COLOR_BUFFER_BIT);
     _gl->Ortho(-1, 1, -1, 1, -1, 1), _gl->Color4f(0, 1, 0, 1);
     GLUquadric* const quadric = _gl->GluNewQuadric();
-    _gl->GluSphere(quadric, 0.5, 16, 16);
-    _gl->GluDeleteQuadric(quadric);
+    _gl->GluSphere(quadric, 0.5, 16, 16), _gl->GluDeleteQuadric(quadric);
     EXPECT_TRUE(Pixel(Width / 2, Height / 2) == 0xFF00FF00u && Pixel(0, 0) == 0xFF000000u);
     int const covered = CountDifferent(0xFF000000u);
     EXPECT_TRUE(covered > 150 && covered < 260) << covered;
@@ -129,13 +126,11 @@ TEST(MesaNamespace, HasItsOwnGlAndSeesVariablesSetAfterItLoaded) {
     auto const getEnv = reinterpret_cast<char* (*)(char const*)>(dlsym(dlmopen(namespaceId, "libc.so.6", RTLD_NOW | RTLD_NOLOAD), "getenv"));
     ASSERT_NE(getEnv, nullptr);
     std::vector<std::unique_ptr<ScopedEnv>> variables;  // enough that the environment array moves
-    for (int i = 0; i < 64; ++i)
-        variables.push_back(std::make_unique<ScopedEnv>(("TEVOGL_TEST_MOVE_" + std::to_string(i)).c_str(), "moved"));
+    for (int i = 0; i < 64; ++i) variables.push_back(std::make_unique<ScopedEnv>(("TEVOGL_TEST_MOVE_" + std::to_string(i)).c_str(), "moved"));
     mesa.PrepareThread();
     char const* const seen = getEnv("TEVOGL_TEST_MOVE_63");
     EXPECT_STREQ(seen ? seen : "(unset)", "moved");
-    EXPECT_NO_THROW(DeviceContext(DisplayHnd::OSMesaDisplay, nullptr,
-                                  {DeviceFormatRequest::Offscreen, {4, 4}, DeviceFormatRequest::Software, false, false, false, false, {}}));
+    EXPECT_NO_THROW(DeviceContext(DisplayHnd::OSMesaDisplay, nullptr, R{R::Offscreen, {4, 4}, R::Software, false, false, false, false, {}}));
 }
 
 // A context that lives in a static is released by the exit handlers, after

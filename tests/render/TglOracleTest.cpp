@@ -28,11 +28,7 @@ using Scene = std::vector<Step>;
 
 // One side of the comparison: the facade when t is set, else the driver
 // alone, whose scissor rectangle in force is kept here.
-struct Side {
-    OglApi const& gl;
-    Tgl* t;
-    std::vector<Viewport> scissors = {Viewport()};
-};
+struct Side { OglApi const& gl; Tgl* t; std::vector<Viewport> scissors = {Viewport()}; };
 
 QColor ColorOf(Values const& p_v, std::size_t p_at = 0) { return QColor(int(p_v[p_at]), int(p_v[p_at + 1]), int(p_v[p_at + 2]), int(p_v[p_at + 3])); }
 std::array<float, 4> Floats(QColor const& p_c) { return {float(p_c.redF()), float(p_c.greenF()), float(p_c.blueF()), float(p_c.alphaF())}; }
@@ -63,8 +59,7 @@ std::map<std::string, std::function<void(Side&, Values const&)>> const Plays = {
     {"Light", [](Side& s, Values const& v) {  // light 0: position, diffuse colour
          if (s.t) return s.t->Light(GL_LIGHT0, GL_POSITION, Chart::Types::Vector4d(v[0], v[1], v[2], v[3])), s.t->Light(GL_LIGHT0, GL_DIFFUSE, ColorOf(v, 4));
          auto const lightfv = reinterpret_cast<void(TGL_APIENTRY*)(GLenum, GLenum, GLfloat const*)>(s.gl.ProcAddress("glLightfv"));
-         float const position[4] = {float(v[0]), float(v[1]), float(v[2]), float(v[3])};
-         lightfv(GL_LIGHT0, GL_POSITION, position), lightfv(GL_LIGHT0, GL_DIFFUSE, Floats(ColorOf(v, 4)).data());
+         lightfv(GL_LIGHT0, GL_POSITION, std::array{float(v[0]), float(v[1]), float(v[2]), float(v[3])}.data()), lightfv(GL_LIGHT0, GL_DIFFUSE, Floats(ColorOf(v, 4)).data());
      }},
     {"Material", [](Side& s, Values const& v) {  // ambient, diffuse, specular, emission, shininess
          if (s.t) return s.t->Material({0, ColorOf(v, 0), ColorOf(v, 4), ColorOf(v, 8), ColorOf(v, 12), float(v[16])});
@@ -88,10 +83,7 @@ std::map<std::string, std::function<void(Side&, Values const&)>> const Plays = {
              cut.width = std::min<double>(v[0] + v[2], inForce.Right()) - cut.x, cut.height = std::min<double>(v[1] + v[3], inForce.Top()) - cut.y;
          if (cut.width > 0 && cut.height > 0) s.gl.Scissor(int(cut.x), int(cut.y), int(cut.width), int(cut.height));
      }},
-    {"Clear", [](Side& s, Values const& v) {
-         auto const c = Floats(ColorOf(v));
-         s.t ? s.t->ClearColor(ColorOf(v)) : s.gl.ClearColor(c[0], c[1], c[2], c[3]), s.gl.Clear(GL_COLOR_BUFFER_BIT);
-     }},
+    {"Clear", [](Side& s, Values const& v) { auto const c = Floats(ColorOf(v)); s.t ? s.t->ClearColor(ColorOf(v)) : s.gl.ClearColor(c[0], c[1], c[2], c[3]), s.gl.Clear(GL_COLOR_BUFFER_BIT); }},
     {"Begin", EITHER(Begin(GLenum(v[0])), Begin(GLenum(v[0])))},
     {"Vertex2", EITHER(Vertex(v[0], v[1]), Vertex2d(v[0], v[1]))},
     {"Vertex3", EITHER(Vertex(v[0], v[1], v[2]), Vertex3d(v[0], v[1], v[2]))},
@@ -114,10 +106,8 @@ Scene Generate(unsigned p_seed) {
     auto const color = [&] { return Values{integer(0, 255), integer(0, 255), integer(0, 255), 255}; };
     auto const rectangle = [&] { return Values{integer(0, 20), integer(0, 20), integer(2, 24), integer(2, 24)}; };
     Scene scene;
-    auto const add = [&](char const* p_name, std::initializer_list<Values> p_parts = {}) {
-        Values v;
-        for (Values const& part : p_parts) v.insert(v.end(), part.begin(), part.end());
-        scene.push_back({p_name, v});
+    auto const add = [&](char const* p_name, std::initializer_list<Values> p_parts = {}) {  // the parts' values in a row
+        for (Values& v = scene.emplace_back(Step{p_name}).v; Values const& part : p_parts) v.insert(v.end(), part.begin(), part.end());
     };
     Values const view = chance(0.5) ? Values{0, 0, 32, 32} : Values{integer(0, 12), integer(0, 12), integer(8, 32), integer(8, 32)};
     double const left = uniform(-8, 4), bottom = uniform(-8, 4);
@@ -198,8 +188,7 @@ protected:
         // Mesa's pop does not always switch off a light or lighting that a
         // scene left on; they go off by hand.
         for (GLenum const cap : {GL_LIGHTING, GL_LIGHT0, GL_COLOR_MATERIAL, GL_SCISSOR_TEST}) _gl->Disable(cap);
-        _gl->ClearColor(0, 0, 0, 1);
-        _gl->Clear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
+        _gl->ClearColor(0, 0, 0, 1), _gl->Clear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
         {
             Debug::CaptureScope quiet;
             std::unique_ptr<Tgl> tgl = p_facade ? std::make_unique<Tgl>(*_gl, DeviceFeatureMask::PermitAll()) : nullptr;

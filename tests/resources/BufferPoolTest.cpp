@@ -18,8 +18,7 @@ namespace {
 
 using Access = Internal::BufferPoolAccess;
 using Handle = boost::weak_ptr<BufferData>;
-using ::Tev::Test::FakeCall;
-using ::Tev::Test::FakeResult;
+using namespace ::Tev::Test;
 
 BufferUsage const StaticDraw = BufferUsage::Default;
 BufferUsage const DynamicDraw(BufferUsage::Dynamic, BufferUsage::Draw);
@@ -31,12 +30,8 @@ char g_mapped[64];
 class Pool : public ::testing::Test {
 protected:
     Pool() {
-        _fake.gl.On("glGenBuffers", [this](FakeCall const& p_call) -> FakeResult {
-            return *static_cast<GLuint*>(const_cast<void*>(p_call.Ptr(1))) = ++_generated, std::int64_t{0};
-        });
-        _fake.gl.On("glDeleteBuffers", [](FakeCall const& p_call) -> FakeResult {
-            return Debug::dlog() << "deleted " << *static_cast<GLuint const*>(p_call.Ptr(1)), std::int64_t{0};
-        });
+        _fake.gl.On("glGenBuffers", [this](FakeCall const& c) -> FakeResult { return *(GLuint*)c.Ptr(1) = ++_generated, std::int64_t{0}; });
+        _fake.gl.On("glDeleteBuffers", [](FakeCall const& c) -> FakeResult { return Debug::dlog() << "deleted " << *(GLuint*)c.Ptr(1), std::int64_t{0}; });
         _fake.gl.On("glMapBufferRange", [](FakeCall const&) -> FakeResult { return static_cast<void const*>(g_mapped); });
         _fake.Build();
         _pool = boost::make_shared<BufferPool>(_apiLifetime.Ref<const OglApi>(_fake->Api()));
@@ -48,16 +43,14 @@ protected:
     // Ends a transcript step, with the buffer's name and the total, used and
     // freed bytes in its label.
     void Step(std::string const& p_label, Handle const& p_handle = {}) {
-        BufferPool::MemoryStatistics const stats = _pool->GetMemoryStatistics();
-        _fake.Step(p_label + (p_handle.expired() ? "" : " -> " + std::to_string(p_handle.lock()->Buffer())) +
-                   "; bytes " + std::to_string(stats.totalMemory) + " " + std::to_string(stats.usedMemory) + " " +
-                   std::to_string(stats.freedMemory));
+        auto const [total, used, freed] = _pool->GetMemoryStatistics();
+        _fake.Step(p_label + (p_handle.expired() ? "" : " -> " + std::to_string(p_handle.lock()->Buffer())) + "; bytes " +
+                   std::to_string(total) + " " + std::to_string(used) + " " + std::to_string(freed));
     }
 
     GLuint _generated = 0;
-    ::Tev::Test::FakeTgl _fake;
-    Utility::Lifetime _apiLifetime;
-    Utility::Lifetime _facadeLifetime;
+    FakeTgl _fake;
+    Utility::Lifetime _apiLifetime, _facadeLifetime;
     boost::shared_ptr<BufferPool> _pool;
 };
 
@@ -66,36 +59,28 @@ protected:
 // same size and usage; stream buffers go at once, the others when freed
 // memory is released; freeing twice is reported.
 TEST_F(Pool, ReuseStreamBuffersAndStatisticsAsTranscribed) {
-    Handle h = Get(1000, StaticDraw);
-    Step("1000 static", h);
-    Free(h);
-    Step("1000 static again", h = Get(1000, StaticDraw));
-    Free(h);
+    Handle h;
+    Step("1000 static", h = Get(1000, StaticDraw)), Free(h);
+    Step("1000 static again", h = Get(1000, StaticDraw)), Free(h);
     Step("1001 static", Get(1001, StaticDraw));
     Step("1000 dynamic", Get(1000, DynamicDraw));
     Handle const second = Get(1000, StaticDraw), third = Get(1000, StaticDraw);
-    Free(second), Free(third);
-    Step("two more 1000 static, freed");
+    Free(second), Free(third), Step("two more 1000 static, freed");
     for (int i = 0; i < 3; ++i) Step("1000 static", Get(1000, StaticDraw));
 
     Handle const stream = Get(500, StreamDraw), kept = Get(300, StaticDraw), dynamic = Get(200, DynamicDraw);
     Step("500 stream, 300 static, 200 dynamic");
-    Free(stream);
-    Step("the stream buffer freed");
-    Free(kept), Free(dynamic);
-    Free(kept);
-    Step("the static and dynamic ones freed, the static one twice");
-    _pool->ReleaseFreedMemory();
-    Step("freed memory released");
+    Free(stream), Step("the stream buffer freed");
+    Free(kept), Free(dynamic), Free(kept), Step("the static and dynamic ones freed, the static one twice");
+    _pool->ReleaseFreedMemory(), Step("freed memory released");
 
     std::string tokens = "usage tokens of 3 frequencies by 4 natures, then of a fourth frequency:";
     for (int f = 0; f < 4; ++f)
         for (int n = 0; n < (f < 3 ? 4 : 1); ++n)
             tokens += " " + std::to_string(Access::UsageToken(BufferUsage(BufferUsage::Frequency(f), BufferUsage::Nature(n))));
     Step(tokens);
-    Access::Copy(*_pool, 4, 5, 16, 32, 64);
-    Step("copy 64 bytes from 16 in buffer 4 to 32 in buffer 5");
-    EXPECT_TRUE(::Tev::Test::MatchesGolden("resources/pool.txt", _fake.Transcript()));
+    Access::Copy(*_pool, 4, 5, 16, 32, 64), Step("copy 64 bytes from 16 in buffer 4 to 32 in buffer 5");
+    EXPECT_TRUE(MatchesGolden("resources/pool.txt", _fake.Transcript()));
 }
 
 // The access bits per kind and flag, a read-write map taking only the
@@ -131,12 +116,12 @@ TEST_F(Pool, MappingWindowsAndTheirChecksAsTranscribed) {
     }
     _fake.gl.On("glMapBufferRange", [](FakeCall const&) -> FakeResult { return static_cast<void const*>(nullptr); });
     step("the driver maps nothing", Access::Map(*_pool, h, 0, 16, 1, GL_MAP_WRITE_BIT, GL_ARRAY_BUFFER));
-    EXPECT_TRUE(::Tev::Test::MatchesGolden("resources/mapping.txt", _fake.Transcript()));
+    EXPECT_TRUE(MatchesGolden("resources/mapping.txt", _fake.Transcript()));
 }
 
 struct Named final : TglObject {
     Named(OglApi const& p_api, unsigned p_name) : TglObject(p_api, p_name) {}
-    ~Named() override { Deallocate(); }
+    ~Named() override { Deallocate(); }  // as every resource must
     void DoDeallocate() override {}
 };
 
@@ -148,23 +133,19 @@ struct Named final : TglObject {
 // no longer hears of the facade's end (the last step has one Expired!); each
 // resource takes the next number down; a GL object is valid only with a name.
 TEST_F(Pool, EveryBufferIsDeletedWhenThePoolOrTheFacadeGoes) {
-    auto const fill = [](BufferPool& p_pool) {
+    auto const fill = [](auto&& p_pool) {
         Access::Free(p_pool, Access::FindOrAllocate(p_pool, 10, StaticDraw));
         Access::Free(p_pool, Access::FindOrAllocate(p_pool, 20, StreamDraw));
         Access::FindOrAllocate(p_pool, 30, DynamicDraw);
         return Access::FindOrAllocate(p_pool, 40, StaticDraw);
     };
     auto const state = [](TglResource const& p_resource) {
-        return std::string(p_resource.TglInstanceId() > 0 ? "; number positive" : "; number negative") +
-               (p_resource.IsValid() ? ", valid" : ", not valid");
+        return std::string(p_resource.TglInstanceId() > 0 ? "; number positive" : "; number negative") + (p_resource.IsValid() ? ", valid" : ", not valid");
     };
     fill(*_pool);
     _fake.Step("a live pool filled" + state(*_pool));
-    _pool.reset();
-    _fake.Step("and destroyed");
-    auto* const neverLive = new BufferPool(_apiLifetime.Ref<const OglApi>(_fake->Api()));
-    fill(*neverLive);
-    delete neverLive;
+    _pool.reset(), _fake.Step("and destroyed");
+    fill(BufferPool(_apiLifetime.Ref<const OglApi>(_fake->Api())));
     _fake.Step("a pool never made live filled and destroyed");
 
     _pool = boost::make_shared<BufferPool>(_apiLifetime.Ref<const OglApi>(_fake->Api()));
@@ -180,9 +161,8 @@ TEST_F(Pool, EveryBufferIsDeletedWhenThePoolOrTheFacadeGoes) {
         _fake.Step("filled, then the facade ends while a client holds buffer 12" + state(*_pool) + state(named));
     }
     Step("the client lets go");
-    _pool.reset();
-    _fake.Step("the pool destroyed");
-    EXPECT_TRUE(::Tev::Test::MatchesGolden("resources/pool-end.txt", _fake.Transcript()));
+    _pool.reset(), _fake.Step("the pool destroyed");
+    EXPECT_TRUE(MatchesGolden("resources/pool-end.txt", _fake.Transcript()));
 }
 
 }  // namespace

@@ -25,21 +25,16 @@ namespace {
 using VD = VertexData;
 using Types::Vector2d;
 using Types::Vector3d;
-using ::Tev::Test::FakeCall;
-using ::Tev::Test::FakeResult;
+using namespace ::Tev::Test;
 
+// A block holding p_values, or p_bytes zeros.
 template <typename T>
-VD::Block BlockOf(std::vector<T> const& p_values) {
-    auto* block = new char[p_values.size() * sizeof(T)];
-    return VD::Block(static_cast<char*>(std::memcpy(block, p_values.data(), p_values.size() * sizeof(T))));
-}
-
+VD::Block BlockOf(std::vector<T> const& p_values) { return VD::Block(static_cast<char*>(std::memcpy(new char[p_values.size() * sizeof(T)], p_values.data(), p_values.size() * sizeof(T)))); }
 VD::Block Zeros(std::size_t p_bytes) { return VD::Block(new char[p_bytes]()); }
 
 VD Batch(std::uint32_t p_count, VD::Dimensions p_dims = VD::XYZ) {
     VD data;
-    data.primitive = VD::Triangles;
-    data.vertices = VD::Vertices{Zeros(p_count * 16), p_dims, VD::Float, p_count};
+    data.primitive = VD::Triangles, data.vertices = VD::Vertices{Zeros(p_count * 16), p_dims, VD::Float, p_count};
     return data;
 }
 
@@ -51,7 +46,7 @@ protected:
         Utility::Scoped<Tgl> scoped(*_fake.tgl);
         p_array(scoped, p_first, p_count, p_firstVertex, p_vertexCount, p_disabled);
     }
-    ::Tev::Test::FakeTgl _fake;
+    FakeTgl _fake;
 };
 
 // Every array is set up inside one pushed client state, with the pointers of
@@ -73,19 +68,16 @@ TEST_F(VertexArrayDraw, ClientArrayCallsAsTranscribed) {
              {data.texCoords0->data, "texCoords0"}, {data.texCoords1->data, "texCoords1"}, {data.edgeFlags->data, "edgeFlags"}})
         _fake.Name(block.get(), name);
     VertexArray all, entries, plain, indexed;
-    all.Add(data);
-    Draw(all, 0, 1);
+    all.Add(data), Draw(all, 0, 1);
     _fake.Step("quads with every array");
-    data.texCoords0->unit = 1;
-    data.colors->alpha = false;
+    data.texCoords0->unit = 1, data.colors->alpha = false;
     all.Add(data);
     for (char const* disabled : {"11101", "11011"}) {
         Draw(all, 1, 1, 0, 0, VertexArray::Disabled(disabled));
         _fake.Step(std::string("texture unit 1, no alpha, disabled ") + disabled);
     }
     for (VD const& entry : {Batch(1), Batch(2), Batch(3), VD(), Batch(2, VD::X), Batch(2, VD::XYZW)}) entries.Add(entry);
-    Draw(entries, 0, 6);
-    Draw(entries, 1, 1);
+    Draw(entries, 0, 6), Draw(entries, 1, 1);
     _fake.Step("entries of 1, 2, 3 vertices, one without vertices, of one and of four dimensions; then the second");
 
     plain.Add(Batch(6));
@@ -95,11 +87,10 @@ TEST_F(VertexArrayDraw, ClientArrayCallsAsTranscribed) {
     for (int offset = 0; offset <= 12; offset += 2)
         _fake.Name(data.indices->data.get() + offset, "indices+" + std::to_string(offset));
     for (auto [first, count] : {std::pair{0, 0}, {0, 3}, {2, 3}, {2, 0}, {3, 9}, {5, 1}, {6, 0}, {7, 2}}) {
-        Draw(plain, 0, 1, first, count);
-        Draw(indexed, 0, 1, first, count);
+        Draw(plain, 0, 1, first, count), Draw(indexed, 0, 1, first, count);
         _fake.Step("window " + std::to_string(first) + ", " + std::to_string(count) + " of 6 vertices, then of 6 indices");
     }
-    EXPECT_TRUE(::Tev::Test::MatchesGolden("resources/vertex-array.txt", _fake.Transcript()));
+    EXPECT_TRUE(MatchesGolden("resources/vertex-array.txt", _fake.Transcript()));
 }
 
 // At each draw the arrays are read back through the pointers handed to GL
@@ -110,23 +101,19 @@ protected:
         for (char const* entry : {"glVertexPointer", "glColorPointer", "glTexCoordPointer", "glNormalPointer"})
             _fake.gl.On(entry, [this, entry](FakeCall const& p_call) -> FakeResult {
                 std::size_t const n = p_call.args.size();  // normals come without a size
-                return _arrays.emplace_back(entry, n == 3 ? 3 : int(p_call.Int(0)), static_cast<double const*>(p_call.Ptr(n - 1))),
-                       std::int64_t{0};
+                return _arrays.emplace_back(entry, n == 3 ? 3 : int(p_call.Int(0)), (double const*)p_call.Ptr(n - 1)), std::int64_t{0};
             });
         _fake.gl.On("glDrawArrays", [this](FakeCall const& p_call) -> FakeResult {
             for (auto const& [entry, dims, values] : std::exchange(_arrays, {})) {
-                std::ostringstream out;
-                for (std::int64_t i = 0; i < dims * p_call.Int(2); ++i) out << ' ' << values[p_call.Int(1) * dims + i];
-                Debug::dlog() << entry << ':' << out.str();
+                Debug::dbgostream line = Debug::dlog();
+                line << entry << ':';
+                for (std::int64_t i = 0; i < dims * p_call.Int(2); ++i) line << ' ' << values[p_call.Int(1) * dims + i];
             }
             return std::int64_t{0};
         });
     }
     void End(std::string const& p_label) {
-        {
-            Utility::Scoped<Tgl> scoped(*_fake.tgl);
-            _mode.End(scoped);
-        }
+        { Utility::Scoped<Tgl> scoped(*_fake.tgl); _mode.End(scoped); }  // the scope ends before the step
         _fake.Step(p_label);
     }
 
@@ -135,23 +122,18 @@ protected:
 };
 
 // The primitives and the packing of all ten, with colours per vertex, are
-// compared with the driver's own pixels on generated scenes in TglOracle; this transcript holds the rest: the last colour given
-// before a vertex wins, a normal given once covers every vertex and one never
+// compared with the driver's own pixels on generated scenes in TglOracle;
+// this transcript holds the rest: the last colour given before a vertex wins, a normal given once covers every vertex and one never
 // given sends no array, two texture sets per block with the third reported,
 // missing components take defaults, pixels of lines lie on pixel centres, and
 // a block draws only its own entry.
 TEST_F(DirectMode, BlocksAsTranscribed) {
     _mode.Begin(Tokens::TGL_TRIANGLES);
-    _mode.Color(QColor(Qt::red));
-    _mode.Vertex(Vector3d(0, 0, 0));
-    _mode.Vertex(Vector3d(1, 0, 0));
-    _mode.Color(QColor(Qt::green));
-    _mode.Color(QColor(Qt::blue));
-    _mode.Vertex(Vector3d(1, 1, 0));
+    _mode.Color(QColor(Qt::red)), _mode.Vertex(Vector3d(0, 0, 0)), _mode.Vertex(Vector3d(1, 0, 0));
+    _mode.Color(QColor(Qt::green)), _mode.Color(QColor(Qt::blue)), _mode.Vertex(Vector3d(1, 1, 0));
     End("triangles: red, vertex, vertex, green, blue, vertex");
 
-    _mode.Begin(Tokens::TGL_QUADS);
-    _mode.Normal(0, 0, 1);
+    _mode.Begin(Tokens::TGL_QUADS), _mode.Normal(0, 0, 1);
     for (int i = 0; i < 8; ++i) _mode.Vertex(Vector2d(i, i % 2));
     End("quads: one normal, eight vertices of two components");
     EXPECT_EQ(_mode.Count(), 2u);  // one entry per block
@@ -167,22 +149,18 @@ TEST_F(DirectMode, BlocksAsTranscribed) {
     }
     End("lines with texture units 0, 1 and 2");
     _mode.Begin(Tokens::TGL_TRIANGLE_FAN);
-    _mode.TexCoord(0.25, 0.75);
-    _mode.Vertex(Vector3d(1, 2, 3));
-    _mode.TexCoord(0.5);
-    _mode.Vertex(4.0f, 5.0f);
+    _mode.TexCoord(0.25, 0.75), _mode.Vertex(Vector3d(1, 2, 3));
+    _mode.TexCoord(0.5), _mode.Vertex(4.0f, 5.0f);
     End("triangle fan: plain texture coordinates of two, then one component");
     _mode.Begin(Tokens::TGL_LINE_LOOP);
     End("an empty line loop");
     _mode.Begin(0x000A);  // lines with adjacency: not an immediate-mode primitive
     _fake.Step("Begin of lines with adjacency");
     for (unsigned primitive : {Tokens::TGL_LINE_STRIP, Tokens::TGL_POINTS}) {
-        _mode.Begin(primitive);
-        _mode.Pixel(2, 3);
-        _mode.Pixel(Vector2d(4, 5));
+        _mode.Begin(primitive), _mode.Pixel(2, 3), _mode.Pixel(Vector2d(4, 5));
         End("pixels (2, 3) and (4, 5) in primitive " + std::to_string(primitive));
     }
-    EXPECT_TRUE(::Tev::Test::MatchesGolden("resources/direct-mode.txt", _fake.Transcript()));
+    EXPECT_TRUE(MatchesGolden("resources/direct-mode.txt", _fake.Transcript()));
 }
 
 // Vertex data without GL. Each step shows the sizes and bounds of the data in
@@ -195,35 +173,28 @@ TEST_F(DirectMode, BlocksAsTranscribed) {
 // cannot be drawn is reported; tokens out of range are 0 and reported; the
 // attribute names.
 TEST(VertexData, SizesBoundsAndNamesAsTranscribed) {
-    ::Tev::Test::FakeTgl log;
+    FakeTgl log;
     VD data;
     auto const show = [&](std::string const& p_label) {
-        std::ostringstream os;
-        os << p_label << ": vertex bytes " << data.VertexDataSize() << ", index bytes " << data.IndexDataSize()
-           << ", bounds " << data.BoundingBox() << (data.primitive.Defined() ? ", a primitive" : "");
-        log.Step(os.str());
+        log.Step((std::ostringstream() << p_label << ": vertex bytes " << data.VertexDataSize() << ", index bytes " << data.IndexDataSize()
+                  << ", bounds " << data.BoundingBox() << (data.primitive.Defined() ? ", a primitive" : "")).str());
     };
     show("nothing");
     data.vertices = VD::Vertices{Zeros(120), VD::XYZ, VD::Float, 10};
     data.normals = VD::Normals{Zeros(120), VD::Float};
     data.colors = VD::Colors{Zeros(160), VD::Float, true};
     show("10 float vertices, normals, colours with alpha");
-    data.colors->alpha = false;
-    data.texCoords0 = VD::TexCoords{Zeros(80), VD::Float, VD::XY, -1};
+    data.colors->alpha = false, data.texCoords0 = VD::TexCoords{Zeros(80), VD::Float, VD::XY, -1};
     data.texCoords1 = VD::TexCoords{Zeros(240), VD::Double, VD::XYZ, 3};
     data.edgeFlags = VD::EdgeFlags{Zeros(10)};
     data.indices = VD::Indices{Zeros(12), VD::UnsignedShort, 6};
     data.primitive = VD::Triangles;
     show("no alpha, two float and three double texture coordinates, edge flags, 6 short indices");
     VD const copy = data;
-    data.FreeIndexMemory();
-    show("index memory freed");
-    data.FreeVertexMemory();
-    show("vertex memory freed");
-    data = copy;
-    show("the copy made before");
-    data.Clear();
-    show("cleared");
+    data.FreeIndexMemory(), show("index memory freed");
+    data.FreeVertexMemory(), show("vertex memory freed");
+    data = copy, show("the copy made before");
+    data.Clear(), show("cleared");
     data = VD();
     data.vertices = VD::Vertices{BlockOf<float>({1, 2, 3, -4, 5, 0.5f, 7, -8, 9}), VD::XYZ, VD::Float, 3};
     show("3 float vertices");
@@ -247,7 +218,7 @@ TEST(VertexData, SizesBoundsAndNamesAsTranscribed) {
     std::string names = "attribute names:";
     for (int id : {0, 7, 8, 15, 16, -1}) names += std::string(" \"") + CustomAttribute::NameFromId(CustomAttribute::Id(id)) + "\"";
     log.Step(names);
-    EXPECT_TRUE(::Tev::Test::MatchesGolden("resources/vertex-data.txt", log.Transcript()));
+    EXPECT_TRUE(MatchesGolden("resources/vertex-data.txt", log.Transcript()));
 }
 
 // The token tables against the GL header's own enumerants.

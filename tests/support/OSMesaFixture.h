@@ -16,17 +16,24 @@ protected:
     static constexpr int Width = 32;
     static constexpr int Height = 32;
 
-    void SetUp() override;
-    void TearDown() override;
+    // The table goes before the context is released.
+    ~OSMesaFixture() override {
+        _gl.reset();
+        if (_context.CurrentCount() > 0) _context.DoneCurrent();
+    }
 
     // The pixel at (x, y) from the bottom, as 0xAABBGGRR, after glFinish.
-    std::uint32_t Pixel(int p_x, int p_y) const;
+    std::uint32_t Pixel(int p_x, int p_y) const { return _gl->Finish(), _device.Pixel(p_x, p_y); }
     // How many pixels differ from p_background.
-    int CountDifferent(std::uint32_t p_background) const;
+    int CountDifferent(std::uint32_t p_background) const {
+        int count = 0;
+        for (int i = 0; i < Width * Height; ++i) count += Pixel(i % Width, i / Width) != p_background;
+        return count;
+    }
 
-    std::unique_ptr<Chart::Ogl::DeviceOSMesa> _device;
-    std::unique_ptr<Chart::Ogl::ContextOSMesa> _context;
-    std::unique_ptr<Chart::Ogl::OglApi> _gl;
+    Chart::Ogl::DeviceOSMesa _device{Width, Height};
+    Chart::Ogl::ContextOSMesa _context{_device};
+    std::unique_ptr<Chart::Ogl::OglApi> _gl = (_context.MakeCurrent(_device), std::make_unique<Chart::Ogl::OglApi>(Chart::Ogl::ApiMesa));
 };
 
 }  // namespace Tev::Test

@@ -205,7 +205,7 @@ TEST_F(TglState, PushesPopsAndForcedUnwindsAsTranscribed) {
     EXPECT_EQ(undone, 1);
     _fake.Step("scoped operations: one released at once, one still held at scope end");
     tgl().PushScopedOperation(operation()), tgl().PushAttrib(GL_ENABLE_BIT), tgl().PopAttrib();
-    tgl().PushName(3), tgl().PopName();
+    tgl().PushName(3), tgl().PopName(), tgl().PopScissor();
     _fake.Step("pushes and pops with no scope open");
 
     tgl().Begin(GL_TRIANGLES), tgl().Begin(GL_TRIANGLES);
@@ -277,7 +277,8 @@ TEST_F(TglState, TransformsAsTranscribedAndProjectedWithGLsMatrices) {
     tgl().Rotate(Quaternion(std::numeric_limits<double>::quiet_NaN(), 0, 0, 1)), tgl().Rotate(Quaternion(0, 0, 0, 0));
     _fake.Step("invalid rotations");
     tgl().Rotate(Quaternion::FromAxisAngle(Angle::FromDegrees(90), {0, 0, 2}));
-    _fake.Step("90 degrees about z");
+    tgl().RasterPos({1, 2, 3});
+    _fake.Step("90 degrees about z; raster position (1, 2, 3)");
     tgl().Ortho2D(Viewport(0, 0, -5, 10)), tgl().Ortho(Viewport(0, 0, 0, 100), BoundingBox({0, 0, 0}, {0, 0, 0}));
     tgl().GetMatrix(GL_COLOR);
     _fake.Step("projections of no size, a matrix GL cannot read");

@@ -63,7 +63,8 @@ DisplayHnd GetDisplayHndFromWnd(WindowHandle p_window) {
     XWindowAttributes attributes;
     Detail::XErrorTrap trap(display.XDisplay());
     Status const found = XGetWindowAttributes(display.XDisplay(), p_window, &attributes);
-    if (!ensure(found && !trap.Failed("XGetWindowAttributes") && "Window not found on the default display"))
+    bool const failed = trap.Failed("XGetWindowAttributes");  // logs the X error
+    if (!ensure(found && !failed && "Window not found on the default display"))
         return {};
     return display;
 }

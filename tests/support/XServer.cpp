@@ -1,9 +1,13 @@
-#include "support/XTestWindow.h"
+#include "support/XServer.h"
 
 #include <X11/Xlib.h>
 #include <X11/Xutil.h>
 
+#include <cstdlib>
+
 namespace Tev::Test {
+
+using namespace Chart::Ogl;
 
 namespace {
 
@@ -27,15 +31,38 @@ XPixels ReadDrawable(::Display* p_display, unsigned long p_drawable, int p_width
     return pixels;
 }
 
-int VisualDepth(::Display* p_display, unsigned long p_visualId) {
-    XVisualInfo* const info = FindVisual(p_display, p_visualId);
+void XServerTest::SetUp() {
+    _display = GetRootDisplayHnd();
+    if (!_display && std::getenv("TEVOGL_REQUIRE_DISPLAY")) FAIL() << "no X display";
+    if (!_display) GTEST_SKIP() << "no X display: run under xvfb-run";
+    // One more connection, never closed, lists the GL configs: the system GL
+    // driver then stays loaded for the life of the test process, and
+    // LeakSanitizer can name the driver's own one-time allocations
+    // (suppressed in tests/lsan.supp) instead of reporting them from a
+    // module that is gone.
+    static DisplayHnd* const display = new DisplayHnd(GetRootDisplayHnd());
+    static OsApi* const system = new OsApi(ApiSystem, *display);
+    [[maybe_unused]] static int const loaded = system->DescribePixelFormat(display->Handle(), 1, 0, nullptr);
+    _system = std::make_unique<OsApi>(ApiSystem, _display);
+}
+
+int XServerTest::VisualDepth(int p_id) const {
+    XVisualInfo* const info = FindVisual(X(), WindowDevice::VisualFor(*_system, _display, p_id));
     int const depth = info ? info->depth : 0;
     if (info) XFree(info);
     return depth;
 }
 
-XTestWindow::XTestWindow(Chart::Ogl::DisplayHnd const& p_display, int p_x, int p_y, int p_width, int p_height,
-                         unsigned long p_visualId)
+int XServerTest::Find(std::function<bool(int, Descriptor const&)> const& p_wanted) const {
+    for (int id = 1; id <= _system->DescribePixelFormat(_display.Handle(), 1, 0, nullptr); ++id) {
+        Descriptor descriptor{};
+        _system->DescribePixelFormat(_display.Handle(), id, sizeof descriptor, &descriptor);
+        if (p_wanted(id, descriptor)) return id;
+    }
+    return 0;
+}
+
+XTestWindow::XTestWindow(DisplayHnd const& p_display, int p_x, int p_y, int p_width, int p_height, unsigned long p_visualId)
     : _display(p_display), _width(p_width), _height(p_height) {
     ::Display* const x = _display.XDisplay();
     Window const root = DefaultRootWindow(x);
@@ -51,7 +78,7 @@ XTestWindow::XTestWindow(Chart::Ogl::DisplayHnd const& p_display, int p_x, int p
     XSelectInput(x, _window, StructureNotifyMask);
     XMapWindow(x, _window);
     for (XEvent event{}; event.type != MapNotify || event.xmap.window != _window;) XNextEvent(x, &event);
-    _device = std::make_unique<Chart::Ogl::WindowDevice>(_display, _window);
+    _device = std::make_unique<WindowDevice>(_display, _window);
 }
 
 XTestWindow::~XTestWindow() {
@@ -59,7 +86,5 @@ XTestWindow::~XTestWindow() {
     if (_window) XDestroyWindow(_display.XDisplay(), _window);
     if (_colormap) XFreeColormap(_display.XDisplay(), _colormap);
 }
-
-XPixels XTestWindow::Read() const { return ReadDrawable(_display.XDisplay(), _window, _width, _height); }
 
 }  // namespace Tev::Test
