@@ -191,6 +191,13 @@ TEST(VertexData, SizesBoundsAndNamesAsTranscribed) {
     data.primitive = VD::Triangles;
     show("no alpha, two float and three double texture coordinates, edge flags, 6 short indices");
     VD const copy = data;
+    // Descriptions compare every field: a copy is equal, one changed field is not.
+    auto const differ = [](auto p_a, auto p_change) { auto b = p_a; p_change(b); return p_a == p_a && !(p_a == b); };
+    auto const changes = [&](auto const& p_a) { return differ(p_a, [](auto& x) { x.type = decltype(x.type)(x.type == 1 ? 0 : 1); }) && differ(p_a, [](auto& x) { x.data.reset(); }); };
+    EXPECT_TRUE(changes(*copy.vertices) && changes(*copy.indices) && changes(*copy.normals) && changes(*copy.colors) && changes(*copy.texCoords1) &&
+                differ(*copy.vertices, [](auto& v) { v.count++; }) && differ(*copy.vertices, [](auto& v) { v.dims = VD::XY; }) &&
+                differ(*copy.indices, [](auto& i) { i.count++; }) && differ(*copy.colors, [](auto& c) { c.alpha = true; }) &&
+                differ(*copy.texCoords1, [](auto& t) { t.dims = VD::XY; }));
     data.FreeIndexMemory(), show("index memory freed");
     data.FreeVertexMemory(), show("vertex memory freed");
     data = copy, show("the copy made before");
