@@ -125,7 +125,7 @@ TEST_F(DeviceFormatChoice, PicksWhatTheRulesPick) {
             Descriptor& p = *(format = Format(mostly({24, 24, 16, 32, 8}, {0, 7}), mostly({8, 8, 0, 4, 16}, {3}), mostly({8, 8, 5, 0}, {4, 9}), 0, ~0u));
             p.cRedBits = std::uint8_t(mostly({8, 8, 5}, {4, 9})), p.cGreenBits = std::uint8_t(mostly({8, 8, 6, 5}, {4, 9}));
             p.cBlueBits = std::uint8_t(mostly({8}, {4, 9}));
-            for (auto const [flag, odds] : {std::pair{Pfd::SupportOpenGL, 15}, {Pfd::DrawToWindow, 14}, {Pfd::DrawToBitmap, 12},
+            for (auto const& [flag, odds] : {std::pair{Pfd::SupportOpenGL, 15}, {Pfd::DrawToWindow, 14}, {Pfd::DrawToBitmap, 12},
                                             {Pfd::DoubleBuffer, 12}, {Pfd::SwapExchange, 8}, {Pfd::SwapCopy, 8},
                                             {Pfd::GenericFormat, 2}, {Pfd::GenericAccelerated, 2}})
                 p.dwFlags |= int(rng() % 16) < odds ? flag : 0;  // odds in 16
@@ -257,7 +257,10 @@ struct FakeDevice final : Device {
 };
 
 // A scenario starts with a fresh script and its name in the transcript.
-void Step(char const* p_scenario) { script = {.created = script.created}, Debug::dout() << p_scenario; }
+void Step(char const* p_scenario) {
+    int const created = script.created;
+    script = Script(), script.created = created, Debug::dout() << p_scenario;
+}
 
 // Nested binds bind once, releases past the count are reported; only
 // double-buffered windows swap; failures of the table are reported or
@@ -282,7 +285,7 @@ TEST(ContextGLFake, ScenariosMatchTheirTranscript) {
         script.deleteFails = true, context.DoneCurrent();
     }
     Step("double window, single window, double pbuffer, bitmap");
-    for (auto const [type, twice] : {std::pair{DeviceFormat::Window, true}, {DeviceFormat::Window, false},
+    for (auto const& [type, twice] : {std::pair{DeviceFormat::Window, true}, {DeviceFormat::Window, false},
                                      {DeviceFormat::Pbuffer, true}, {DeviceFormat::Bitmap, false}}) {
         FakeDevice const other(3, type, twice);
         ContextGL context(other, FakeApi(), {});
