@@ -41,6 +41,8 @@ TEST(TglConstruction, SetUpLimitsRangesDebugAndDestructionAsTranscribed) {
     FakeTgl fake;
     Tgl& tgl = fake.Build(DeviceFeatureMask::PermitAll(), true);
     fake.Step("built on GL 4.5");
+    tgl.DumpState();
+    fake.Step("the state tracker's initial values");
     EXPECT_TRUE(tgl.IsFixedFunction() && tgl.GenFixedFunction()->IsActive() && tgl.GenFixedFunction()->Handle() == 0 &&
                 tgl.GetMaxViewportSize() == Size(8192, 4096));
 
