@@ -120,7 +120,7 @@ TEST_F(Pool, MappingWindowsAndTheirChecksAsTranscribed) {
 }
 
 struct Named final : TglObject {
-    Named(OglApi const& p_api, unsigned p_name) : TglObject(p_api, p_name) {}
+    Named(OglApi const& p_api, unsigned p_name) : TglObject(p_api, p_name, ObjectLabels::Texture) {}
     ~Named() override { Deallocate(); }  // as every resource must
     void DoDeallocate() override {}
 };

@@ -10,6 +10,7 @@
 
 #include <array>
 #include <cstddef>
+#include <string>
 
 namespace Tev::Chart::Ogl {
 
@@ -71,6 +72,7 @@ BufferPool::~BufferPool() { Deallocate(); }
 
 void BufferPool::DoInitialize(Tgl& p_tgl, OglApi const&) {
     _hasGpuCopyBuffer = p_tgl.IsExtensionSupported(ARB_copy_buffer);
+    _labels = &p_tgl.Labels();
 }
 
 void BufferPool::DoDeallocate() {
@@ -128,6 +130,7 @@ unsigned int BufferPool::AllocateMemory(std::uint64_t p_bytes, unsigned int p_us
     api->BindBuffer(Tokens::TGL_ARRAY_BUFFER, id);
     api->BufferData(Tokens::TGL_ARRAY_BUFFER, static_cast<GLsizeiptr>(p_bytes), nullptr, p_usageToken);
     api->BindBuffer(Tokens::TGL_ARRAY_BUFFER, 0);
+    if (_labels) _labels->Set(ObjectLabels::Buffer, id, "TevOgl pooled buffer, " + std::to_string(p_bytes) + " bytes");
     _totalMemory += p_bytes;
     return id;
 }

@@ -108,6 +108,8 @@ private:
     boost::unordered_map<unsigned int, Mapping> _mappings;
     std::uint64_t _totalMemory = 0;
     bool _hasGpuCopyBuffer = false;
+    // The facade's, from initialisation on; the pool dies with the facade.
+    ObjectLabels const* _labels = nullptr;
 };
 
 namespace Internal {

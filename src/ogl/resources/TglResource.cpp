@@ -1,6 +1,7 @@
 #include "ogl/resources/TglResource.h"
 
 #include "framework/debug/Debug.h"
+#include "ogl/tgl/Tgl.h"
 
 #include <boost/bind/bind.hpp>
 
@@ -48,12 +49,17 @@ void TglResource::OnExpire() {
     Deallocate();
 }
 
-TglObject::TglObject(OglApi const& p_api, unsigned int p_name) : _api(p_api), _name(p_name) {}
+TglObject::TglObject(OglApi const& p_api, unsigned int p_name, ObjectLabels::Kind p_labelKind)
+    : _api(p_api), _name(p_name), _labelKind(p_labelKind) {}
 
 TglObject::~TglObject() = default;
 
 bool TglObject::IsValid() const { return TglResource::IsValid() && _name > 0; }
 
-void TglObject::DoInitialize(Tgl&, OglApi const&) {}
+void TglObject::SetLabel(std::string const& p_label) const {
+    if (IsValid()) _labels->Set(_labelKind, _name, p_label);
+}
+
+void TglObject::DoInitialize(Tgl& p_tgl, OglApi const&) { _labels = &p_tgl.Labels(); }
 
 }  // namespace Tev::Chart::Ogl

@@ -10,8 +10,11 @@
 
 #include "framework/utility/Lifetime.h"
 #include "ogl/api/Export.h"
+#include "ogl/api/ObjectLabels.h"
 
 #include <boost/noncopyable.hpp>
+
+#include <string>
 
 namespace Tev::Chart::Ogl {
 
@@ -76,18 +79,27 @@ public:
 
     // As a resource, and the GL name is not 0.
     bool IsValid() const override;
+    // Names the GL object in frame debuggers, where the driver offers
+    // KHR_debug; does nothing otherwise, or once the object is not valid.
+    void SetLabel(std::string const& p_label) const;
 
 protected:
-    TglObject(OglApi const& p_api, unsigned int p_name);
+    // p_labelKind: the namespace of the name for SetLabel.
+    TglObject(OglApi const& p_api, unsigned int p_name, ObjectLabels::Kind p_labelKind);
 
     OglApi const& Api() const { return _api; }
     unsigned int Name() const { return _name; }
+    // Overrides call this first.
+    void DoInitialize(Tgl& p_tgl, OglApi const& p_api) override;
 
 private:
-    void DoInitialize(Tgl& p_tgl, OglApi const& p_api) override;
 
     OglApi const& _api;
     unsigned int _name;
+    ObjectLabels::Kind _labelKind;
+    // The facade's; only used while the object is valid, so while the
+    // facade lives.
+    ObjectLabels const* _labels = nullptr;
 };
 
 }  // namespace Tev::Chart::Ogl

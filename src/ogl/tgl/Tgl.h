@@ -16,6 +16,7 @@
 #include "framework/utility/WatchedRef.h"
 #include "ogl/api/DeviceFeatures.h"
 #include "ogl/api/Export.h"
+#include "ogl/api/ObjectLabels.h"
 #include "ogl/api/TglExtensions.h"
 #include "ogl/tgl/Material.h"
 #include "ogl/tgl/OglDirectMode.h"
@@ -72,6 +73,8 @@ public:
     Utility::VersionNo const& GlVersion() const { return _glVersion; }
     Utility::VersionNo const& GlslVersion() const { return _glslVersion; }
     boost::shared_ptr<BufferPool> GetBufferPool() const { return _bufferPool; }
+    // Labels for GL objects; enabled with KHR_debug.
+    ObjectLabels const& Labels() const { return _labels; }
 
     // Kept for callers that mark places to look for GL errors; deliberately
     // no-ops, so that checking never costs a driver round trip.
@@ -276,6 +279,7 @@ private:
     DeviceFeatures _features;
     std::unique_ptr<TglHotEntries> _hot;
     ExtensionSet _extensions;
+    ObjectLabels _labels;
     std::unique_ptr<FBOApi> _fboApi;
     bool _inBeginEnd = false;
     // Workaround "mesa-color-material-push" (TglStacks.cpp).

@@ -28,6 +28,7 @@ Tgl::Tgl(OglApi const& p_api, DeviceFeatureMask const& p_requested)
       _glslVersion(_impl->GlslVersion),
       _hot(std::make_unique<TglHotEntries>(*_impl)),
       _extensions(ReadExtensions(*_impl)),
+      _labels(*_impl, _extensions),
       _flushBeforeLightingPush(NeedsFlushBeforeLightingPush(_glVersion)),
       _outputStageStack(boost::make_shared<std::deque<OutputStage>>(1, OutputStage::Forward)) {
     _bufferPool = boost::make_shared<BufferPool>(_lifetime.Ref(static_cast<OglApi const&>(*_impl)));
