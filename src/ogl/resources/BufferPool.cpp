@@ -223,6 +223,22 @@ void BufferPool::UnmapMemory(void const* const p_memory, unsigned int const& p_b
     if (it != _mappings.end()) _mappings.erase(it);
 }
 
+// Through the array-buffer target, whose binding no vertex array records,
+// so that uploading never disturbs the index buffer of a bound one.
+void BufferPool::UploadMemory(boost::weak_ptr<BufferData> const& p_handle, std::uint64_t p_offset, void const* p_data,
+                              std::uint64_t p_bytes) {
+    Pointer const dataPtr = p_handle.lock();
+    if (!ensure(dataPtr)) return;
+    if (!ensure(p_offset + p_bytes <= dataPtr->_bytes && "Upload window out of bounds!")) return;
+    if (!ensure(!IsMapped(dataPtr->_buffer) && "Cannot upload into a mapped buffer!")) return;
+    auto const api = _api.Lock();
+    if (!api || p_bytes == 0) return;
+    api->BindBuffer(Tokens::TGL_ARRAY_BUFFER, dataPtr->_buffer);
+    api->BufferSubData(Tokens::TGL_ARRAY_BUFFER, static_cast<GLintptr>(p_offset), static_cast<GLsizeiptr>(p_bytes),
+                       p_data);
+    api->BindBuffer(Tokens::TGL_ARRAY_BUFFER, 0);
+}
+
 void BufferPool::InternalCopyBufferSubData(unsigned int p_source, unsigned int p_destination,
                                            std::uint64_t p_readOffset, std::uint64_t p_writeOffset,
                                            std::uint64_t p_bytes) {

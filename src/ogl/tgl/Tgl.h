@@ -18,6 +18,7 @@
 #include "ogl/api/Export.h"
 #include "ogl/api/ObjectLabels.h"
 #include "ogl/api/TglExtensions.h"
+#include "ogl/resources/VAOFlags.h"
 #include "ogl/tgl/Material.h"
 #include "ogl/tgl/OglDirectMode.h"
 #include "ogl/tgl/OutputStage.h"
@@ -46,11 +47,15 @@ class Program;
 class ProgramObject;
 class StateTracker;
 class TglResource;
+class VertexBuffer;
 
 class TEVOGL_API Tgl {
 public:
     // A scope token: releasing it undoes the change that returned it.
     using Token = boost::shared_ptr<void>;
+    // The texture-coordinate sets the built-in arrays reach, GL_TEXTURE0
+    // onwards.
+    static constexpr unsigned TexCoordMAX = 8;
 
     // The context whose entry points p_api holds must be current on this
     // thread. p_requested limits the optional features the facade uses.
@@ -173,6 +178,12 @@ public:
 
     Token ScopedOutputStage(OutputStage const& p_stage);
     OutputStage ActiveOutputStage() const;
+
+    // ---- Vertex buffers
+
+    boost::shared_ptr<VertexBuffer> GenVertexBuffer(VAOFlags p_vaoFlags = VAOWhereSupported);
+    // Binds p_buffer's arrays until the token goes.
+    Token Bind(boost::shared_ptr<VertexBuffer> const& p_buffer);
 
     // ---- Transforms
 
