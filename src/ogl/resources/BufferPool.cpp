@@ -70,14 +70,20 @@ BufferPool::BufferPool(Utility::WeakWatchedRef<const OglApi> const& p_api)
 // _data is still there.
 BufferPool::~BufferPool() { Deallocate(); }
 
-void BufferPool::DoInitialize(Tgl& p_tgl, OglApi const&) {
+void BufferPool::DoInitialize(Tgl& p_tgl, OglApi const& p_api) {
     _hasGpuCopyBuffer = p_tgl.IsExtensionSupported(ARB_copy_buffer);
     _labels = &p_tgl.Labels();
+    _expiringApi = &p_api;
 }
 
+// When the facade ends, the weak table expires before the pool hears of it,
+// yet the facade's table is still there while the pool deallocates: the
+// buffers are deleted through the table the pool was made live with, also
+// when a client keeps the pool itself beyond the facade.
 void BufferPool::DoDeallocate() {
     _freed.clear();
     _used.clear();
+    _expiringApi = nullptr;
     ensure(_data.empty() && "All memory should be released by now!");
 }
 
@@ -149,7 +155,7 @@ void BufferPool::FreeBufferData(boost::weak_ptr<BufferData> const& p_handle) {
 
 void BufferPool::ReleaseMemory(BufferData* p_record) {
     unsigned int const name = p_record->_buffer;
-    if (auto const api = _api.Lock()) api->DeleteBuffers(1, &name);
+    if (OglApi const* const api = _api.Expired() ? _expiringApi : _api.Lock().Get()) api->DeleteBuffers(1, &name);
     auto const it = _data.find(name);
     if (ensure(it != _data.end())) _data.erase(it);
 }

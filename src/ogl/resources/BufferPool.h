@@ -113,6 +113,8 @@ private:
     bool _hasGpuCopyBuffer = false;
     // The facade's, from initialisation on; the pool dies with the facade.
     ObjectLabels const* _labels = nullptr;
+    // The table given when made live, for the deletes of deallocation only.
+    OglApi const* _expiringApi = nullptr;
 };
 
 namespace Internal {
