@@ -97,8 +97,10 @@ TEST(TglConstruction, SetUpLimitsRangesDebugAndDestructionAsTranscribed) {
 // facade's activation calls.
 class NamedProgram : public Program {
 public:
-    NamedProgram(OglApi const& p_gl, unsigned p_name) { SetObject(boost::make_shared<ProgramObject>(p_gl, p_name)); }
+    NamedProgram() = default;
+    NamedProgram(OglApi const& p_gl, unsigned p_name) { Adopt(boost::make_shared<ProgramObject>(p_gl, p_name)); }
     int activations = 0, deactivations = 0;
+    void Compile(Chart::Utility::WatchedRef<Tgl> const&, Chart::Assets::Volume const&) override {}
     void OnActivated(Chart::Utility::WatchedRef<Tgl> const&) override { ++activations; }
     void OnDeactivated(Chart::Utility::WatchedRef<Tgl> const&) override { ++deactivations; }
 };
@@ -175,7 +177,7 @@ TEST_F(TglState, BindingSwitchesModeAndTheTokenRestoresThePrevious) {
     }
     EXPECT_TRUE(tgl().IsFixedFunction() && tgl().RequiresCompatibilityAttributes() && !first->IsActive() && tgl().GetMaxTextures() == 4);
     EXPECT_EQ(_fake.gl.CallStrings(), (Lines{"glUseProgram(7)", "glUseProgram(9)", "glUseProgram(7)", "glUseProgram(0)"}));
-    Tgl::Token const objectless = tgl().Bind(boost::make_shared<Program>());
+    Tgl::Token const objectless = tgl().Bind(boost::make_shared<NamedProgram>());
     EXPECT_FALSE(tgl().IsFixedFunction() || tgl().RequiresCompatibilityAttributes());
     Tgl::Token depth = tgl().ScopedOutputStage(OutputStage::Deferred_Depth), opaque = tgl().ScopedOutputStage(OutputStage::Deferred_Opaque);
     EXPECT_EQ(tgl().ActiveOutputStage(), OutputStage::Deferred_Opaque);

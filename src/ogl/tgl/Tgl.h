@@ -10,8 +10,11 @@
 #include "framework/types/Size.h"
 #include "framework/types/Vector.h"
 #include "framework/types/Viewport.h"
+#include "framework/assets/Volume.h"
+#include "framework/utility/HashedString.h"
 #include "framework/utility/Lifetime.h"
 #include "framework/utility/OperationStack.h"
+#include "framework/utility/TypeInfo.h"
 #include "framework/utility/VersionNo.h"
 #include "framework/utility/WatchedRef.h"
 #include "ogl/api/DeviceFeatures.h"
@@ -19,6 +22,9 @@
 #include "ogl/api/ObjectLabels.h"
 #include "ogl/api/TglExtensions.h"
 #include "ogl/resources/VAOFlags.h"
+#include "ogl/shaders/GLSLShader.h"
+#include "ogl/shaders/Program.h"
+#include "ogl/tgl/BuiltinArrays.h"
 #include "ogl/tgl/Material.h"
 #include "ogl/tgl/OglDirectMode.h"
 #include "ogl/tgl/OutputStage.h"
@@ -27,13 +33,17 @@
 #include <QColor>
 
 #include <boost/function.hpp>
+#include <boost/make_shared.hpp>
 #include <boost/shared_ptr.hpp>
+#include <boost/unordered_map.hpp>
 
 #include <cstddef>
 
 #include <deque>
+#include <list>
 #include <memory>
 #include <string>
+#include <type_traits>
 #include <vector>
 
 namespace Tev::Chart::Ogl {
@@ -42,9 +52,11 @@ struct OglApi;
 struct FBOApi;
 struct TglHotEntries;
 class BufferPool;
+class GLSLProgram;
+class GLSLShaderBuilder;
 class OglDebug;
-class Program;
-class ProgramObject;
+class PooledBuffer;
+class Shader;
 class StateTracker;
 class TglResource;
 class VertexBuffer;
@@ -176,6 +188,43 @@ public:
     bool RequiresCompatibilityAttributes() const;
     boost::shared_ptr<ProgramObject> GenFixedFunction() const;
 
+    // ---- Shaders and programs
+
+    // Compiled at once; the compile is logged on the "GLSL" channel.
+    boost::shared_ptr<GLSLVertexShader> GenVertexShader(GLSLShaderBuilder const& p_builder);
+    boost::shared_ptr<GLSLFragmentShader> GenFragmentShader(GLSLShaderBuilder const& p_builder);
+    // Both report a device without the stage and compile all the same.
+    boost::shared_ptr<GLSLGeometryShader> GenGeometryShader(GLSLShaderBuilder const& p_builder);
+    boost::shared_ptr<GLSLComputeShader> GenComputeShader(GLSLShaderBuilder const& p_builder);
+    // The shader whose restore returns the facade to fixed-function mode.
+    boost::shared_ptr<Shader> GenFixedFunctionShader();
+
+    // The facade's one program of type T, compiled from p_volume on first
+    // request and again after it was invalidated. p_args construct the
+    // program on first request and are not used afterwards.
+    template <typename T, typename... Args>
+    boost::shared_ptr<T> CompileProgram(Assets::Volume const& p_volume, Args&&... p_args);
+    // Every program the facade holds is rebuilt at its next request.
+    void InvalidateProgramObjects();
+
+    // Makes p_shader the shader in force (its RestoreState puts its program
+    // in force) until the token goes; the shader before is restored then.
+    // The required built-in arrays are gathered afresh for each shader.
+    Token Bind(boost::shared_ptr<Shader> const& p_shader);
+    // Requires the built-in arrays that the program in force reads; in
+    // fixed-function mode all seven. Returns the required set.
+    BuiltinArraySet QueryBuiltinAttributes();
+    void RequireBuiltinAttribute(BuiltinArray p_array);
+    BuiltinArraySet const& GetRequiredBuiltins() const { return _requiredBuiltins; }
+    // The names of the required built-in arrays, in flag order: the arrays
+    // a draw has to bind buffers to.
+    std::vector<Utility::HashedString> GetBuiltinAttributeBuffers() const;
+
+    // Binds p_buffer to the indexed binding p_index of p_target
+    // (TGL_SHADER_STORAGE_BUFFER, ...) until the token goes; the token keeps
+    // the buffer.
+    Token ScopedBindBufferBase(unsigned p_target, unsigned p_index, boost::shared_ptr<PooledBuffer> const& p_buffer);
+
     Token ScopedOutputStage(OutputStage const& p_stage);
     OutputStage ActiveOutputStage() const;
 
@@ -277,8 +326,21 @@ private:
     void PushUndo(Utility::OperationStack& p_stack, boost::function<void()> p_undo, char const* p_undoName,
                   char const* p_fallbackName);
 
+    friend class Shader;
+
     void RestoreProgram(boost::shared_ptr<Program> const& p_program);
     void UnbindProgram();
+    // Links p_object if it is stale, and makes it GL's current program.
+    static void UseObject(ProgramObject& p_object);
+    // A program whose callback unbinds it from this facade.
+    boost::shared_ptr<GLSLProgram> GenProgram(boost::function<void()> p_callback = {});
+    template <int STAGE>
+    boost::shared_ptr<GLSLShader<STAGE>> GenShader(GLSLShaderBuilder const& p_builder);
+    // Gives p_program a fresh GLSL program and initializes it; a program in
+    // force moves to its new object at once.
+    void CompileCachedProgram(boost::shared_ptr<Program> const& p_program, Assets::Volume const& p_volume);
+    void PushShader(boost::shared_ptr<Shader> p_shader);
+    void PopShader(boost::shared_ptr<Shader> const& p_expectedShader);
     void PushRenderPass(OutputStage const& p_stage);
     void PopRenderPass();
 
@@ -314,10 +376,24 @@ private:
     Token _fixedFunctionToken;
     // The programs in force before each Bind still open.
     std::vector<boost::shared_ptr<Program>> _programStack;
+    // One compiled program per program type.
+    boost::unordered_map<Utility::TypeInfo, boost::shared_ptr<Program>> _programs;
+    std::list<boost::shared_ptr<Shader>> _shaderStack;
+    boost::shared_ptr<Shader> _boundShader;
+    BuiltinArraySet _requiredBuiltins;
     boost::shared_ptr<std::deque<OutputStage>> _outputStageStack;
     OglDirectMode _directMode;
     boost::shared_ptr<BufferPool> _bufferPool;
     std::unique_ptr<OglDebug> _debug;
 };
+
+template <typename T, typename... Args>
+boost::shared_ptr<T> Tgl::CompileProgram(Assets::Volume const& p_volume, Args&&... p_args) {
+    static_assert(std::is_base_of_v<Program, T>, "programs derive from Program");
+    boost::shared_ptr<Program>& cached = _programs[Utility::TypeInfo::Of<T>()];
+    if (!cached) cached = boost::make_shared<T>(std::forward<Args>(p_args)...);
+    if (cached->RequiresCompile()) CompileCachedProgram(cached, p_volume);
+    return boost::static_pointer_cast<T>(cached);
+}
 
 }  // namespace Tev::Chart::Ogl

@@ -1,7 +1,9 @@
-// Vertex buffers: the factory and the scoped bind.
+// Vertex buffers: the factory and the scoped bind; indexed buffer bindings.
 #include "ogl/tgl/Tgl.h"
 
 #include "framework/debug/Debug.h"
+#include "ogl/api/OglApi.h"
+#include "ogl/resources/PooledBuffer.h"
 #include "ogl/resources/VertexBuffer.h"
 
 #include <boost/weak_ptr.hpp>
@@ -23,6 +25,18 @@ Tgl::Token Tgl::Bind(boost::shared_ptr<VertexBuffer> const& p_buffer) {
     boost::weak_ptr<VertexBuffer> const weak = p_buffer;
     return Token(static_cast<void*>(p_buffer.get()), [weak](void*) {
         if (auto const buffer = weak.lock(); buffer && buffer->IsValid()) buffer->Unbind();
+    });
+}
+
+// glBindBufferBase is optional (GL 3.0): without it nothing is bound.
+Tgl::Token Tgl::ScopedBindBufferBase(unsigned p_target, unsigned p_index,
+                                     boost::shared_ptr<PooledBuffer> const& p_buffer) {
+    auto const bindBufferBase = _impl->BindBufferBase;
+    if (!chkptr(p_buffer) || !ensure(bindBufferBase)) return Token();
+    bindBufferBase(p_target, p_index, p_buffer->Name());
+    Utility::WeakWatchedRef<Tgl> const handle = Handle();
+    return Token(static_cast<void*>(this), [handle, bindBufferBase, p_target, p_index, p_buffer](void*) {
+        if (!handle.Expired()) bindBufferBase(p_target, p_index, 0);
     });
 }
 

@@ -64,7 +64,10 @@ Tgl::~Tgl() {
     _debug.reset();
     _bufferPool.reset();
     _directMode.Clear();
+    _boundShader.reset();
+    _shaderStack.clear();
     _programStack.clear();
+    _programs.clear();
     _outputStageStack.reset();
     // The rest goes in reverse order of declaration: the lifetime (which
     // tells every resource that the facade is gone) before the operation

@@ -130,7 +130,7 @@ void Tgl::RestoreProgram(boost::shared_ptr<Program> const& p_program) {
     _boundProgram = p_program;
     if (!needsSwitch) return;
     if (p_program && p_program->Object())
-        p_program->Object()->InternalBind();
+        UseObject(*p_program->Object());
     else
         _hot->UseProgram(0);
     if (p_program) p_program->Activated(Handle());
