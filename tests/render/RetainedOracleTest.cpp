@@ -95,14 +95,14 @@ TEST_F(RetainedOracle, PrimitiveBuffersDrawWhatBeginEndDraws) {
         EXPECT_EQ(Frame(), expected) << row.type << ", drawn again";
     }
     std::vector<float> const corners{-0.8f, -0.8f, 0.8f, -0.8f, 0.8f, 0.8f, -0.8f, 0.8f};
-    std::vector<float> const colors{1, 0, 0, 0, 1, 0, 0, 0, 1, 1, 1, 1};
+    std::vector<float> const colors{1, 0, 0, 1, 0, 1, 0, 1, 0, 0, 1, 1, 1, 1, 1, 1};
     std::vector<std::uint16_t> const indices{0, 1, 2, 2, 3, 0};
     VertexData data;
     data.vertices = VertexData::Vertices{VertexData::Block(reinterpret_cast<char const*>(corners.data()), [](char const*) {}), VertexData::XY, VertexData::Float, 4};
-    data.colors = VertexData::Colors{VertexData::Block(reinterpret_cast<char const*>(colors.data()), [](char const*) {}), VertexData::Float, false};
+    data.colors = VertexData::Colors{VertexData::Block(reinterpret_cast<char const*>(colors.data()), [](char const*) {}), VertexData::Float, true};
     data.indices = VertexData::Indices{VertexData::Block(reinterpret_cast<char const*>(indices.data()), [](char const*) {}), VertexData::UnsignedShort, 6};
     std::vector<Point> expanded;
-    for (std::uint16_t i : indices) expanded.push_back({{corners[2 * i], corners[2 * i + 1], 0}, QColor::fromRgbF(colors[3 * i], colors[3 * i + 1], colors[3 * i + 2])});
+    for (std::uint16_t i : indices) expanded.push_back({{corners[2 * i], corners[2 * i + 1], 0}, QColor::fromRgbF(colors[4 * i], colors[4 * i + 1], colors[4 * i + 2], colors[4 * i + 3])});
     Clear(), FacadeBeginEnd(GL_TRIANGLES, expanded);
     auto const expected = Frame();
     auto const fromData = _tgl->CreatePrimitiveBuffer(VB::Triangles);
