@@ -22,6 +22,7 @@
 #include "ogl/api/ObjectLabels.h"
 #include "ogl/api/TglExtensions.h"
 #include "ogl/resources/VAOFlags.h"
+#include "ogl/resources/VertexBuffer.h"
 #include "ogl/shaders/GLSLShader.h"
 #include "ogl/shaders/Program.h"
 #include "ogl/tgl/BuiltinArrays.h"
@@ -59,7 +60,8 @@ class PooledBuffer;
 class Shader;
 class StateTracker;
 class TglResource;
-class VertexBuffer;
+class DisplayList;
+class PrimitiveBuffer;
 
 class TEVOGL_API Tgl {
 public:
@@ -228,11 +230,17 @@ public:
     Token ScopedOutputStage(OutputStage const& p_stage);
     OutputStage ActiveOutputStage() const;
 
-    // ---- Vertex buffers
+    // ---- Retained geometry: vertex buffers, primitive buffers, display lists
 
     boost::shared_ptr<VertexBuffer> GenVertexBuffer(VAOFlags p_vaoFlags = VAOWhereSupported);
     // Binds p_buffer's arrays until the token goes.
     Token Bind(boost::shared_ptr<VertexBuffer> const& p_buffer);
+    boost::shared_ptr<PrimitiveBuffer> CreatePrimitiveBuffer(VertexBuffer::PrimitiveType p_type,
+                                                             BufferUsage const& p_usage = BufferUsage::Default);
+    boost::shared_ptr<DisplayList> GenDisplayList();
+    // p_count lists with consecutive names; none when the driver has no
+    // range that long.
+    std::vector<boost::shared_ptr<DisplayList>> GenDisplayLists(int p_count);
 
     // ---- Transforms
 

@@ -1,9 +1,11 @@
-// Shader and program factories, the program cache, the shader stack and
-// the built-in arrays the shader in force needs.
+// Shader and program factories, the program cache, the shader stack, the
+// built-in arrays the shader in force needs, and indexed buffer bindings
+// for the shaders' storage and uniform blocks.
 #include "ogl/tgl/Tgl.h"
 
 #include "framework/debug/Debug.h"
 #include "ogl/api/OglApi.h"
+#include "ogl/resources/PooledBuffer.h"
 #include "ogl/shaders/GLSLProgram.h"
 #include "ogl/shaders/Shader.h"
 
@@ -124,6 +126,18 @@ std::vector<Utility::HashedString> Tgl::GetBuiltinAttributeBuffers() const {
     for (int a = 0; a < BuiltinArray_Count; ++a)
         if (_requiredBuiltins.test(std::size_t(a))) names.emplace_back(BuiltinArrayName(BuiltinArray(a)));
     return names;
+}
+
+// glBindBufferBase is optional (GL 3.0): without it nothing is bound.
+Tgl::Token Tgl::ScopedBindBufferBase(unsigned p_target, unsigned p_index,
+                                     boost::shared_ptr<PooledBuffer> const& p_buffer) {
+    auto const bindBufferBase = _impl->BindBufferBase;
+    if (!chkptr(p_buffer) || !ensure(bindBufferBase)) return Token();
+    bindBufferBase(p_target, p_index, p_buffer->Name());
+    Utility::WeakWatchedRef<Tgl> const handle = Handle();
+    return Token(static_cast<void*>(this), [handle, bindBufferBase, p_target, p_index, p_buffer](void*) {
+        if (!handle.Expired()) bindBufferBase(p_target, p_index, 0);
+    });
 }
 
 }  // namespace Tev::Chart::Ogl
