@@ -19,6 +19,8 @@ std::vector<std::string> TraceDriverMessages(std::string const& p_log, GLSLShade
         boost::smatch match;
         if (!boost::regex_search(message, match, located)) continue;
         std::size_t const line = std::stoul(match[1].matched ? match[1].str() : match[2].str());
+        // Line 0 is what drivers give a message about the whole stage.
+        if (line == 0) continue;
         traced.push_back(message + " (" + p_builder.ShaderLineOrigin(line, p_linesBefore).Describe() + ")");
     }
     return traced;

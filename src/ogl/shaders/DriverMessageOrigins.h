@@ -18,7 +18,8 @@ class GLSLShaderBuilder;
 // that line came from, "(in D/N.frag.glsl:12, included from D/N.vert.glsl:3)".
 // p_linesBefore lines preceded the builder's source in the text given to
 // the driver. Understands Mesa's "0:12(3): error: ...", NVIDIA's
-// "0(12) : error ..." and AMD's "ERROR: 0:12: ..."; other lines are left out.
+// "0(12) : error ..." and AMD's "ERROR: 0:12: ..."; other lines, and those
+// about line 0 (the whole stage), are left out.
 TEVOGL_API std::vector<std::string> TraceDriverMessages(std::string const& p_log, GLSLShaderBuilder const& p_builder,
                                                         std::size_t p_linesBefore);
 

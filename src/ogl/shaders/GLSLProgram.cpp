@@ -92,15 +92,16 @@ void GLSLProgram::Attach(boost::shared_ptr<GLSLShader<STAGE>> const& p_shader) {
     CheckGLError(gl);
 }
 
-bool GLSLProgram::ReportStageConflict(int p_stage) const {
+void GLSLProgram::ReportStageConflict(int p_stage) const {
     State const& s = *_state;
-    if (p_stage == ComputeShaderStage)
-        return ensure_as(!s.vertexShader && !s.geometryShader && !s.fragmentShader,
-                         "ERROR: Cannot attach a Compute shader to a program that has Vertex, Geometry or Fragment "
-                         "shaders.");
+    if (p_stage == ComputeShaderStage) {
+        ensure_as(!s.vertexShader && !s.geometryShader && !s.fragmentShader,
+                  "ERROR: Cannot attach a Compute shader to a program that has Vertex, Geometry or Fragment shaders.");
+        return;
+    }
     std::string const message = std::string("ERROR: Cannot attach a ") + GLSLShaderStageWord(p_stage) +
                                 " shader to a program that has a Compute shader.";
-    return ensure_as(!s.computeShader, message.c_str());
+    ensure_as(!s.computeShader, message.c_str());
 }
 
 void GLSLProgram::AttributeLayout(Layout const& p_layout) {

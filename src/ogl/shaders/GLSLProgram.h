@@ -60,7 +60,7 @@ private:
 
     template <int STAGE>
     void Attach(boost::shared_ptr<GLSLShader<STAGE>> const& p_shader);
-    bool ReportStageConflict(int p_stage) const;
+    void ReportStageConflict(int p_stage) const;
     void CacheUniforms();
     void CacheAttributes();
 
