@@ -9,6 +9,8 @@
 #include "framework/assets/MemoryVolume.h"
 #include "ogl/shaders/GLSLProgram.h"
 #include "ogl/shaders/GLSLShaderBuilder.h"
+#include "ogl/shaders/Shader.h"
+#include "support/LogCapture.h"
 
 #include <gtest/gtest.h>
 
@@ -58,8 +60,8 @@ TEST(ProgramCalls, CompileAttachLinkBindLookUpAndDispatchAsTranscribed) {
     auto const glsl = boost::dynamic_pointer_cast<GLSLProgram>(program->Object());
     glsl->AttachShader(tgl.GenVertexShader(builder));
     bound = tgl.Bind(program), bound.reset();
-    static_cast<ProgramObject&>(*glsl).Link();
-    fake.Step("a vertex stage attached again: the old one detached; relinked at the next bind, once");
+    static_cast<ProgramObject&>(*glsl).Link(), program->Object()->GetUniformLocation("u_unknown");
+    fake.Step("a vertex stage attached again: the old one detached; relinked at the next bind, once; the unknown uniform queried anew");
     answers[GL_VALIDATE_STATUS] = 0;
     testing::internal::CaptureStdout();
     program->ValidateProgram();
@@ -71,6 +73,43 @@ TEST(ProgramCalls, CompileAttachLinkBindLookUpAndDispatchAsTranscribed) {
     fake.tgl.reset();
     fake.Step("the facade gone, the program kept: deleted with its stages");
     EXPECT_TRUE(MatchesGolden("shaders/program-calls.txt", fake.Transcript()));
+}
+
+// A program of GL name 9, and a shader that puts a program back and counts.
+class Nine : public Program {
+public:
+    explicit Nine(OglApi const& p_gl) { Adopt(boost::make_shared<ProgramObject>(p_gl, 9)); }
+    void Compile(Chart::Utility::WatchedRef<Tgl> const&, Chart::Assets::Volume const&) override {}
+};
+struct Counted : Shader {
+    Counted(Tgl& p_tgl, boost::shared_ptr<Program> p_program) : tgl(p_tgl), program(std::move(p_program)) {}
+    void RestoreState() override { ++restores, RestoreProgram(tgl, program); }
+    Tgl& tgl;
+    boost::shared_ptr<Program> program;
+    int restores = 0;
+};
+
+// Each pop puts the shader before back, the last one the fixed-function
+// pipeline; every push gathers the required built-ins afresh. Pops out of
+// order are reported, each, and still pop.
+TEST(ShaderStack, PopsRestoreTheShaderBeforeAndAtLastFixedFunction) {
+    FakeTgl fake;
+    Tgl& tgl = fake.Build();
+    auto const outer = boost::make_shared<Counted>(tgl, boost::make_shared<Nine>(tgl.Api()));
+    Tgl::Token outerToken = tgl.Bind(outer);
+    tgl.RequireBuiltinAttribute(BuiltinNormal);
+    EXPECT_TRUE(!tgl.IsFixedFunction() && tgl.GetRequiredBuiltins() == BuiltinArraySet().set(BuiltinNormal));
+    Tgl::Token innerToken = tgl.Bind(tgl.GenFixedFunctionShader());
+    EXPECT_TRUE(tgl.IsFixedFunction() && tgl.GetRequiredBuiltins().none() && tgl.QueryBuiltinAttributes().all());
+    innerToken.reset();
+    EXPECT_TRUE(!tgl.IsFixedFunction() && outer->restores == 2);
+    outerToken.reset();
+    EXPECT_TRUE(tgl.IsFixedFunction() && Assertions(fake.capture).empty());
+    EXPECT_EQ(fake.gl.CallStrings(), (std::vector<std::string>{"glUseProgram(9)", "glUseProgram(0)", "glUseProgram(9)", "glUseProgram(0)"}));
+    outerToken = tgl.Bind(outer), innerToken = tgl.Bind(tgl.GenFixedFunctionShader());
+    outerToken.reset(), innerToken.reset();
+    EXPECT_TRUE(Assertions(fake.capture).size() == 2 && tgl.IsFixedFunction() && outer->restores == 4);
+    EXPECT_TRUE(HasAssertion(fake.capture, "(p_expectedShader == _boundShader) && \"Shader stack corrupt, unexpected shader found at front of list!\""));
 }
 
 }  // namespace
