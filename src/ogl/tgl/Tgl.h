@@ -31,6 +31,7 @@
 #include <cstddef>
 
 #include <deque>
+#include <list>
 #include <memory>
 #include <string>
 #include <vector>
@@ -41,6 +42,7 @@ struct OglApi;
 struct FBOApi;
 struct TglHotEntries;
 class BufferPool;
+class FrameBufferObject;
 class OglDebug;
 class Program;
 class ProgramObject;
@@ -226,6 +228,14 @@ public:
     // Needs GL 3.0.
     void GenerateMipmap(TexSamplerType p_target);
 
+    // ---- Framebuffers
+
+    // Null, with a report, where the driver offers no framebuffer objects.
+    boost::shared_ptr<FrameBufferObject> GenFBO();
+    // Draws into p_fbo, as the render pass p_stage, until the token goes;
+    // the framebuffer and the pass in force before come back then.
+    Token Bind(boost::shared_ptr<FrameBufferObject> const& p_fbo, OutputStage const& p_stage = OutputStage::Forward);
+
     // ---- Transforms
 
     void LoadMatrix(Types::Matrix4 const& p_matrix);
@@ -323,9 +333,12 @@ private:
     void PushRenderPass(OutputStage const& p_stage);
     void PopRenderPass();
 
-    // ---- Textures
+    // ---- Textures and framebuffers
 
     void CommitTextureBinding(TexSamplerType p_target, unsigned p_name);
+    // False, with nothing pushed, for no framebuffer.
+    bool PushFBO(boost::shared_ptr<FrameBufferObject> p_fbo);
+    void PopFBO(boost::shared_ptr<FrameBufferObject> const& p_expectedFBO);
     // A token whose release calls p_release on this facade, if it still
     // exists.
     Token MakeToken(boost::function<void(Tgl&)> p_release);
@@ -362,6 +375,9 @@ private:
     Token _fixedFunctionToken;
     // The programs in force before each Bind still open.
     std::vector<boost::shared_ptr<Program>> _programStack;
+    // The framebuffers bound before each Bind still open, the latest first.
+    std::list<boost::shared_ptr<FrameBufferObject>> _fboStack;
+    boost::shared_ptr<FrameBufferObject> _boundFBO;
     // The texture units last selected through the facade.
     unsigned _activeTexture = 0;
     unsigned _clientActiveTexture = 0;

@@ -64,6 +64,8 @@ Tgl::~Tgl() {
     _debug.reset();
     _bufferPool.reset();
     _directMode.Clear();
+    _fboStack.clear();
+    _boundFBO.reset();
     _programStack.clear();
     _outputStageStack.reset();
     // The rest goes in reverse order of declaration: the lifetime (which

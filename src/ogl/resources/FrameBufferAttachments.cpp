@@ -1,0 +1,92 @@
+#include "ogl/resources/FrameBufferAttachments.h"
+
+#include "framework/debug/Debug.h"
+#include "ogl/api/OglApi.h"
+#include "ogl/api/Tokens.h"
+#include "ogl/resources/Texture.h"
+#include "ogl/tgl/Tgl.h"
+
+#include <algorithm>
+
+namespace Tev::Chart::Ogl {
+
+FrameBufferAttachment::FrameBufferAttachment(Utility::WeakWatchedRef<Tgl> const& p_tgl, std::string p_label)
+    : _tgl(p_tgl), _label(std::move(p_label)) {}
+
+boost::shared_ptr<void> FrameBufferAttachment::MakeTexture() {
+    Utility::WatchedRef<Tgl> const tgl = Facade();
+    if (!tgl) return {};
+    Use(tgl->GenTexture());
+    _buffer->SetLabel(_label);
+    boost::shared_ptr<void> bound = tgl->ScopedBind(_buffer, Tgl::Texture2D);
+    OglApi const& gl = tgl->Api();
+    for (unsigned const wrap : {Tokens::TGL_TEXTURE_WRAP_S, Tokens::TGL_TEXTURE_WRAP_T})
+        gl.TexParameteri(Tokens::TGL_TEXTURE_2D, wrap, static_cast<GLint>(Tokens::TGL_CLAMP_TO_EDGE));
+    for (unsigned const filter : {Tokens::TGL_TEXTURE_MIN_FILTER, Tokens::TGL_TEXTURE_MAG_FILTER})
+        gl.TexParameteri(Tokens::TGL_TEXTURE_2D, filter, static_cast<GLint>(Tokens::TGL_NEAREST));
+    return bound;
+}
+
+void FrameBufferAttachment::Use(boost::shared_ptr<Texture> p_texture) {
+    _buffer = std::move(p_texture);
+    _modified = true;
+}
+
+void FrameBufferColorAttachment::Create(unsigned p_internalFormat, unsigned p_format, unsigned p_type) {
+    Destroy();
+    boost::shared_ptr<void> const bound = MakeTexture();
+    if (!bound) return;
+    _internalFormat = p_internalFormat, _format = p_format, _type = p_type;
+    _enabled = _modified = true;
+    Utility::WatchedRef<Tgl> const tgl = Facade();
+    for (unsigned const level : {Tokens::TGL_TEXTURE_BASE_LEVEL, Tokens::TGL_TEXTURE_MAX_LEVEL})
+        tgl->Api().TexParameteri(Tokens::TGL_TEXTURE_2D, level, 0);
+    tgl->CheckError();
+}
+
+void FrameBufferColorAttachment::Destroy() {
+    if (!Buffer()) return;
+    _internalFormat = _format = _type = 0;
+    _enabled = false;
+    Use(nullptr);
+}
+
+void FrameBufferColorAttachment::Enable(bool p_enable) {
+    if (p_enable == _enabled) return;
+    ensure_as(!p_enable || Buffer(), "buffer && \"Cannot enable a color buffer which does not exist.\"");
+    _modified = true;
+    _enabled = p_enable;
+}
+
+void FrameBufferDepthStencilAttachment::Create() {
+    Destroy();
+    if (!MakeTexture()) return;
+    _enabled = _modified = true;
+}
+
+void FrameBufferDepthStencilAttachment::Destroy() {
+    _enabled = false;
+    Use(nullptr);
+}
+
+void FrameBufferDepthStencilAttachment::Enable(bool p_enable) {
+    ensure_as(!p_enable || Buffer(), "(!p_enable || buffer) && \"Cannot enable a depth-stencil buffer which does not exist.\"");
+    if (p_enable == _enabled) return;
+    _modified = true;
+    _enabled = p_enable;
+}
+
+void FrameBufferDepthStencilAttachment::TEMPORARY_RefactorFBOToShareDepth_Set(boost::shared_ptr<Texture> const& p_source) {
+    if (!ensure(p_source && "Cannot assign null attachment. Use Destroy() intead.")) return;
+    Use(p_source);
+}
+
+void FrameBufferColorBuffers::Enable(bool p_enable) {
+    for (auto const& attachment : _attachments) attachment->Enable(p_enable);
+}
+
+bool FrameBufferColorBuffers::Modified() const {
+    return std::any_of(_attachments.begin(), _attachments.end(), [](auto const& p_attachment) { return p_attachment->Modified(); });
+}
+
+}  // namespace Tev::Chart::Ogl
