@@ -17,8 +17,9 @@ boost::shared_ptr<void> FrameBufferAttachment::MakeTexture() {
     Utility::WatchedRef<Tgl> const tgl = Facade();
     if (!tgl) return {};
     Use(tgl->GenTexture());
-    _buffer->SetLabel(_label);
     boost::shared_ptr<void> bound = tgl->ScopedBind(_buffer, Tgl::Texture2D);
+    // GL makes the texture at its first bind; a name alone takes no label.
+    _buffer->SetLabel(_label);
     OglApi const& gl = tgl->Api();
     for (unsigned const wrap : {Tokens::TGL_TEXTURE_WRAP_S, Tokens::TGL_TEXTURE_WRAP_T})
         gl.TexParameteri(Tokens::TGL_TEXTURE_2D, wrap, static_cast<GLint>(Tokens::TGL_CLAMP_TO_EDGE));

@@ -207,15 +207,18 @@ Types::MinMax_Base<unsigned> FrameBufferObject::GenerateCustomMipMap(int p_attac
         tgl->PushAttribScope(Tokens::TGL_TEXTURE_BIT | Tokens::TGL_ENABLE_BIT | Tokens::TGL_VIEWPORT_BIT);
     tgl->ActiveTexture(Tokens::TGL_TEXTURE0 + p_textureUnit);
     for (unsigned level = 1; level <= levels; ++level) {
+        Types::Size const size(std::max(_size.width >> level, 1), std::max(_size.height >> level, 1));
         tgl->Bind(attachment.Buffer(), Tgl::Texture2D);
         tgl->Enable(Tokens::TGL_TEXTURE_2D);
+        // The rebuild at the bind makes level 0 only.
+        Api().TexImage2D(Tokens::TGL_TEXTURE_2D, static_cast<GLint>(level), static_cast<GLint>(attachment.InternalFormat()),
+                         size.width, size.height, 0, attachment.Format(), attachment.Type(), nullptr);
         // Sampling reads the level before only, never the one drawn into.
         SetLevels(level - 1, level - 1);
         _fbo.FramebufferTexture2D(Tokens::TGL_FRAMEBUFFER, point, Tokens::TGL_TEXTURE_2D, TextureName(attachment),
                                   static_cast<GLint>(level));
         unsigned const status = CheckStatus();
         ensure(status == TGL_FRAMEBUFFER_COMPLETE);
-        Types::Size const size(std::max(_size.width >> level, 1), std::max(_size.height >> level, 1));
         if (p_callback) p_callback(size);
     }
     tgl->Bind(attachment.Buffer(), Tgl::Texture2D);

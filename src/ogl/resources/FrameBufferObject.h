@@ -5,7 +5,8 @@
 // Changes (size, attachments switched on or off, re-formatted, the read
 // buffer) only mark the object modified; GL is told at the next bind, and a
 // bind with nothing modified rebuilds nothing. Binding goes through the
-// facade (Tgl::Bind), which keeps the stack of bound framebuffers.
+// facade (Tgl::Bind), which keeps the stack of bound framebuffers. GL makes
+// the framebuffer at its first bind, so a label (SetLabel) takes from then.
 #pragma once
 
 #include "framework/types/MinMax.h"

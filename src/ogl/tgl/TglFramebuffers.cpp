@@ -6,15 +6,12 @@
 #include "ogl/resources/FrameBufferObject.h"
 #include "ogl/tgl/FBOApi.h"
 
-#include <string>
-
 namespace Tev::Chart::Ogl {
 
 boost::shared_ptr<FrameBufferObject> Tgl::GenFBO() {
     if (!ensure(_fboApi)) return {};
     boost::shared_ptr<FrameBufferObject> const fbo(new FrameBufferObject(*this, *_impl, *_fboApi));
     InitializeResource(*fbo);
-    fbo->SetLabel("FBO " + std::to_string(fbo->Handle()));
     return fbo;
 }
 
