@@ -1,6 +1,7 @@
 #include "ogl/resources/FrameBufferAttachments.h"
 
 #include "framework/debug/Debug.h"
+#include "framework/utility/Scoped.h"
 #include "ogl/api/OglApi.h"
 #include "ogl/api/Tokens.h"
 #include "ogl/resources/Texture.h"
@@ -13,11 +14,14 @@ namespace Tev::Chart::Ogl {
 FrameBufferAttachment::FrameBufferAttachment(Utility::WeakWatchedRef<Tgl> const& p_tgl, std::string p_label)
     : _tgl(p_tgl), _label(std::move(p_label)) {}
 
-boost::shared_ptr<void> FrameBufferAttachment::MakeTexture() {
+// Within a texture-attribute scope: the client's bindings stay as they were.
+bool FrameBufferAttachment::MakeTexture(bool p_singleLevel) {
     Utility::WatchedRef<Tgl> const tgl = Facade();
-    if (!tgl) return {};
+    if (!tgl) return false;
     Use(tgl->GenTexture());
-    boost::shared_ptr<void> bound = tgl->ScopedBind(_buffer, Tgl::Texture2D);
+    Utility::Scoped<Tgl> scope(*tgl);
+    Tgl::Token const saved = tgl->PushAttribScope(Tokens::TGL_TEXTURE_BIT);
+    tgl->Bind(_buffer, Tgl::Texture2D);
     // GL makes the texture at its first bind; a name alone takes no label.
     _buffer->SetLabel(_label);
     OglApi const& gl = tgl->Api();
@@ -25,7 +29,11 @@ boost::shared_ptr<void> FrameBufferAttachment::MakeTexture() {
         gl.TexParameteri(Tokens::TGL_TEXTURE_2D, wrap, static_cast<GLint>(Tokens::TGL_CLAMP_TO_EDGE));
     for (unsigned const filter : {Tokens::TGL_TEXTURE_MIN_FILTER, Tokens::TGL_TEXTURE_MAG_FILTER})
         gl.TexParameteri(Tokens::TGL_TEXTURE_2D, filter, static_cast<GLint>(Tokens::TGL_NEAREST));
-    return bound;
+    if (p_singleLevel)
+        for (unsigned const level : {Tokens::TGL_TEXTURE_BASE_LEVEL, Tokens::TGL_TEXTURE_MAX_LEVEL})
+            gl.TexParameteri(Tokens::TGL_TEXTURE_2D, level, 0);
+    tgl->CheckError();
+    return true;
 }
 
 void FrameBufferAttachment::Use(boost::shared_ptr<Texture> p_texture) {
@@ -35,14 +43,9 @@ void FrameBufferAttachment::Use(boost::shared_ptr<Texture> p_texture) {
 
 void FrameBufferColorAttachment::Create(unsigned p_internalFormat, unsigned p_format, unsigned p_type) {
     Destroy();
-    boost::shared_ptr<void> const bound = MakeTexture();
-    if (!bound) return;
+    if (!MakeTexture(true)) return;
     _internalFormat = p_internalFormat, _format = p_format, _type = p_type;
     _enabled = _modified = true;
-    Utility::WatchedRef<Tgl> const tgl = Facade();
-    for (unsigned const level : {Tokens::TGL_TEXTURE_BASE_LEVEL, Tokens::TGL_TEXTURE_MAX_LEVEL})
-        tgl->Api().TexParameteri(Tokens::TGL_TEXTURE_2D, level, 0);
-    tgl->CheckError();
 }
 
 void FrameBufferColorAttachment::Destroy() {
@@ -61,7 +64,7 @@ void FrameBufferColorAttachment::Enable(bool p_enable) {
 
 void FrameBufferDepthStencilAttachment::Create() {
     Destroy();
-    if (!MakeTexture()) return;
+    if (!MakeTexture(false)) return;
     _enabled = _modified = true;
 }
 

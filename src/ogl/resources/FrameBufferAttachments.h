@@ -33,9 +33,9 @@ protected:
     FrameBufferAttachment(Utility::WeakWatchedRef<Tgl> const& p_tgl, std::string p_label);
 
     // Replaces the texture with a new one, sampled nearest and clamped to
-    // its edge, and returns the token that keeps it bound to GL_TEXTURE_2D
-    // for further settings. Empty, with no texture, once the facade is gone.
-    boost::shared_ptr<void> MakeTexture();
+    // its edge, and with p_singleLevel of level 0 only. False, with no
+    // texture, once the facade is gone.
+    bool MakeTexture(bool p_singleLevel);
     Utility::WatchedRef<Tgl> Facade() const { return _tgl.Lock(); }
     // Takes p_texture (null: none) in place of the texture, to be rebuilt.
     void Use(boost::shared_ptr<Texture> p_texture);

@@ -206,25 +206,28 @@ Types::MinMax_Base<unsigned> FrameBufferObject::GenerateCustomMipMap(int p_attac
     Tgl::Token const saved =
         tgl->PushAttribScope(Tokens::TGL_TEXTURE_BIT | Tokens::TGL_ENABLE_BIT | Tokens::TGL_VIEWPORT_BIT);
     tgl->ActiveTexture(Tokens::TGL_TEXTURE0 + p_textureUnit);
-    for (unsigned level = 1; level <= levels; ++level) {
-        Types::Size const size(std::max(_size.width >> level, 1), std::max(_size.height >> level, 1));
-        tgl->Bind(attachment.Buffer(), Tgl::Texture2D);
-        tgl->Enable(Tokens::TGL_TEXTURE_2D);
-        // The rebuild at the bind makes level 0 only.
-        Api().TexImage2D(Tokens::TGL_TEXTURE_2D, static_cast<GLint>(level), static_cast<GLint>(attachment.InternalFormat()),
-                         size.width, size.height, 0, attachment.Format(), attachment.Type(), nullptr);
-        // Sampling reads the level before only, never the one drawn into.
-        SetLevels(level - 1, level - 1);
-        _fbo.FramebufferTexture2D(Tokens::TGL_FRAMEBUFFER, point, Tokens::TGL_TEXTURE_2D, TextureName(attachment),
-                                  static_cast<GLint>(level));
-        unsigned const status = CheckStatus();
-        ensure(status == TGL_FRAMEBUFFER_COMPLETE);
-        if (p_callback) p_callback(size);
-    }
+    for (unsigned level = 1; level <= levels; ++level) RenderMipLevel(*tgl, point, attachment, level, p_callback);
     tgl->Bind(attachment.Buffer(), Tgl::Texture2D);
     SetLevels(0, levels);
     _fbo.FramebufferTexture2D(Tokens::TGL_FRAMEBUFFER, point, Tokens::TGL_TEXTURE_2D, TextureName(attachment), 0);
     return {0, levels};
+}
+
+void FrameBufferObject::RenderMipLevel(Tgl& p_tgl, unsigned p_point, ColorAttachment const& p_attachment, unsigned p_level,
+                                       MipMapCallback const& p_callback) {
+    Types::Size const size(std::max(_size.width >> p_level, 1), std::max(_size.height >> p_level, 1));
+    p_tgl.Bind(p_attachment.Buffer(), Tgl::Texture2D);
+    p_tgl.Enable(Tokens::TGL_TEXTURE_2D);
+    // The rebuild at the bind makes level 0 only.
+    Api().TexImage2D(Tokens::TGL_TEXTURE_2D, static_cast<GLint>(p_level), static_cast<GLint>(p_attachment.InternalFormat()),
+                     size.width, size.height, 0, p_attachment.Format(), p_attachment.Type(), nullptr);
+    // Sampling reads the level before only, never the one drawn into.
+    SetLevels(p_level - 1, p_level - 1);
+    _fbo.FramebufferTexture2D(Tokens::TGL_FRAMEBUFFER, p_point, Tokens::TGL_TEXTURE_2D, TextureName(p_attachment),
+                              static_cast<GLint>(p_level));
+    unsigned const status = CheckStatus();
+    ensure(status == TGL_FRAMEBUFFER_COMPLETE);
+    if (p_callback) p_callback(size);
 }
 
 }  // namespace Tev::Chart::Ogl

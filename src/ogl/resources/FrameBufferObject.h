@@ -82,6 +82,9 @@ private:
     unsigned CheckStatus() const;
     bool ReadsFrom(unsigned p_index) const;
     void SetLevels(unsigned p_base, unsigned p_max) const;
+    // Has p_callback render level p_level while the level before is sampled.
+    void RenderMipLevel(Tgl& p_tgl, unsigned p_point, ColorAttachment const& p_attachment, unsigned p_level,
+                        MipMapCallback const& p_callback);
 
     void DoDeallocate() override;
 
