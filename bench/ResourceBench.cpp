@@ -8,10 +8,14 @@
 // - a frame of 1000 uploads of 4 KiB into pooled buffers (taken, filled,
 //   handed back) against generating, filling and deleting 1000 buffers.
 //
+// - a primitive buffer's draw of a 100k-point series against the same
+//   points drawn from a vertex buffer object set up by hand.
+//
 // Each benchmark reports `ratio` = library time / raw time.
 #include "BenchContext.h"
 #include "ogl/api/DeviceFeatures.h"
 #include "ogl/api/Tokens.h"
+#include "ogl/resources/PrimitiveBuffer.h"
 #include "ogl/resources/VertexBuffer.h"
 #include "ogl/tgl/Tgl.h"
 
@@ -98,6 +102,42 @@ void BM_PooledUploads(benchmark::State& p_state) {
     Tev::Bench::CompareWithRaw(p_state, library, raw, 1);
 }
 BENCHMARK(BM_PooledUploads)->Arg(1000)->Unit(benchmark::kMicrosecond);
+
+void BM_PrimitiveBufferDraw(benchmark::State& p_state) {
+    int const points = int(p_state.range(0));
+    OglApi const& gl = *MesaContext::Get().gl;
+    std::mt19937 random(2);
+    std::vector<float> positions;
+    auto const series = Facade().CreatePrimitiveBuffer(VertexBuffer::Points);
+    for (int i = 0; i < points; ++i) {
+        float const x = float(i) / float(points) * 2.0f - 1.0f, y = float(random() % 2000) / 1000.0f - 1.0f;
+        positions.insert(positions.end(), {x, y, 0.0f});
+        series->Vertex(x, y);
+    }
+    series->Draw();  // uploads once
+
+    GLuint vbo = 0, vao = 0;
+    gl.GenBuffers(1, &vbo), gl.GenVertexArrays(1, &vao);
+    gl.BindVertexArray(vao), gl.BindBuffer(Tokens::TGL_ARRAY_BUFFER, vbo);
+    gl.BufferData(Tokens::TGL_ARRAY_BUFFER, GLsizeiptr(positions.size() * sizeof(float)), positions.data(),
+                  Tokens::TGL_STATIC_DRAW);
+    gl.EnableClientState(Tokens::TGL_VERTEX_ARRAY), gl.VertexPointer(3, Tokens::TGL_FLOAT, 0, nullptr);
+    gl.BindBuffer(Tokens::TGL_ARRAY_BUFFER, 0), gl.BindVertexArray(0);
+
+    auto const library = [&] {
+        series->Draw();
+        gl.Finish();
+    };
+    auto const raw = [&] {
+        gl.BindVertexArray(vao);
+        gl.DrawArrays(Tokens::TGL_POINTS, 0, points);
+        gl.BindVertexArray(0);
+        gl.Finish();
+    };
+    Tev::Bench::CompareWithRaw(p_state, library, raw, 5);
+    gl.DeleteVertexArrays(1, &vao), gl.DeleteBuffers(1, &vbo);
+}
+BENCHMARK(BM_PrimitiveBufferDraw)->Arg(100000)->Unit(benchmark::kMillisecond);
 
 }  // namespace
 

@@ -48,7 +48,8 @@ struct Mesh {
 
 Mesh Generate(std::mt19937& p_random) {
     auto const pick = [&](unsigned p_max) { return unsigned(p_random() % (p_max + 1)); };
-    Mesh m{Rows[pick(6)]};
+    Mesh m;
+    m.row = Rows[pick(6)];
     unsigned const vertices = 4 + pick(40);
     for (unsigned v = 0; v < vertices; ++v) {
         for (int axis = 0; axis < 2; ++axis) m.positions.push_back(float(int(pick(64)) - 32) / 30.0f);

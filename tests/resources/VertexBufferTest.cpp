@@ -1,6 +1,7 @@
 // Vertex buffers on the recording fake: what binding, drawing and unbinding
 // send to GL, with and without a vertex array object, and every misuse
 // report, in one transcript.
+#include "ogl/resources/PrimitiveBuffer.h"
 #include "ogl/resources/VertexBuffer.h"
 #include "ogl/resources/VertexDataBuffers.h"
 
@@ -114,6 +115,22 @@ TEST_F(VertexBufferCalls, BindDrawAndUnbindSendWhatTheyMust) {
     vao->Unbind();
     _fake.Step("made by a facade that is gone: nothing");
     EXPECT_TRUE(MatchesGolden("resources/vertex-buffer.txt", _fake.Transcript()));
+}
+
+// A primitive buffer uploads what is new at each draw, into buffers made
+// once, and draws with one call between the vertex array's bind and unbind.
+TEST_F(VertexBufferCalls, PrimitiveBuffersUploadOnlyWhatIsNew) {
+    auto const strip = _fake->CreatePrimitiveBuffer(VB::LineStrip);
+    strip->Color(Qt::red);
+    for (double x : {0.0, 1.0, 2.0}) strip->Vertex(x, 0.0);
+    strip->Draw();
+    _fake.Step("three coloured vertices drawn: two buffers of 1024 vertices made, the three written");
+    strip->Normal({0, 0, 1}), strip->Vertex(3.0, 1.0), strip->Vertex(4.0, 1.0);
+    strip->Draw();
+    _fake.Step("a normal refused after the first vertex; two vertices appended and drawn: only they are written");
+    strip->Draw();
+    _fake.Step("drawn again: nothing written");
+    EXPECT_TRUE(MatchesGolden("resources/primitive-buffer.txt", _fake.Transcript()));
 }
 
 }  // namespace

@@ -24,6 +24,7 @@ public:
         VertexArray = 0x8074,
         Texture = 0x1702,
         Framebuffer = 0x8D40,
+        DisplayList = 0x82E7,  // compatibility contexts
     };
 
     // Labels nothing.

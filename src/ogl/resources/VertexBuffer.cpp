@@ -342,6 +342,11 @@ VertexBuffer::Span VertexBuffer::IndexToPrimitive(PrimitiveType p_type, Span p_i
     return {p_indexSpan.first / elemConv.scale, count / elemConv.scale};
 }
 
+unsigned VertexBuffer::CompletePrimitives(PrimitiveType p_type, unsigned p_vertices) {
+    ElementConversion const& c = Conversion(p_type);
+    return p_vertices > c.offset ? (p_vertices - c.offset) / c.scale : 0;
+}
+
 unsigned VertexBuffer::Token(PrimitiveType p_type) { return Conversion(p_type).token; }
 
 }  // namespace Tev::Chart::Ogl

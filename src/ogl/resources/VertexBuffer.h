@@ -72,6 +72,8 @@ public:
 
     // The primitives that an index span covers.
     static Span IndexToPrimitive(PrimitiveType p_type, Span p_indexSpan);
+    // Whole primitives in p_vertices vertices, without a report for a rest.
+    static unsigned CompletePrimitives(PrimitiveType p_type, unsigned p_vertices);
     // The GL primitive token of a type.
     static unsigned Token(PrimitiveType p_type);
 

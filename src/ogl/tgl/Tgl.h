@@ -19,6 +19,7 @@
 #include "ogl/api/ObjectLabels.h"
 #include "ogl/api/TglExtensions.h"
 #include "ogl/resources/VAOFlags.h"
+#include "ogl/resources/VertexBuffer.h"
 #include "ogl/tgl/Material.h"
 #include "ogl/tgl/OglDirectMode.h"
 #include "ogl/tgl/OutputStage.h"
@@ -49,8 +50,9 @@ class Program;
 class ProgramObject;
 class StateTracker;
 class TglResource;
+class DisplayList;
+class PrimitiveBuffer;
 class Texture;
-class VertexBuffer;
 
 class TEVOGL_API Tgl {
 public:
@@ -239,11 +241,17 @@ public:
     // the framebuffer and the pass in force before come back then.
     Token Bind(boost::shared_ptr<FrameBufferObject> const& p_fbo, OutputStage const& p_stage = OutputStage::Forward);
 
-    // ---- Vertex buffers
+    // ---- Retained geometry: vertex buffers, primitive buffers, display lists
 
     boost::shared_ptr<VertexBuffer> GenVertexBuffer(VAOFlags p_vaoFlags = VAOWhereSupported);
     // Binds p_buffer's arrays until the token goes.
     Token Bind(boost::shared_ptr<VertexBuffer> const& p_buffer);
+    boost::shared_ptr<PrimitiveBuffer> CreatePrimitiveBuffer(VertexBuffer::PrimitiveType p_type,
+                                                             BufferUsage const& p_usage = BufferUsage::Default);
+    boost::shared_ptr<DisplayList> GenDisplayList();
+    // p_count lists with consecutive names; none when the driver has no
+    // range that long.
+    std::vector<boost::shared_ptr<DisplayList>> GenDisplayLists(int p_count);
 
     // ---- Transforms
 
