@@ -43,7 +43,9 @@ public:
     // made so far are dropped unless p_keep.
     Chart::Ogl::Tgl& Build(Chart::Ogl::DeviceFeatureMask const& p_mask = Chart::Ogl::DeviceFeatureMask::PermitAll(),
                            bool p_keep = false) {
-        tgl = std::make_unique<Chart::Ogl::Tgl>(gl.Api(), p_mask);
+        Chart::Ogl::OglApi api = gl.Api();
+        api.Vendor = vendor;
+        tgl = std::make_unique<Chart::Ogl::Tgl>(api, p_mask);
         if (!p_keep) gl.ClearCalls(), capture.Sink().Clear();
         return *tgl;
     }
@@ -82,6 +84,8 @@ public:
     std::string Transcript() const { return _transcript.str(); }
 
     FakeGl gl;
+    // The vendor the facade records for its device.
+    Chart::Ogl::Vendors vendor = Chart::Ogl::UNKNOWN;
     std::map<GLenum, std::vector<double>> doubles;
     Debug::CaptureScope capture;
     std::unique_ptr<Chart::Ogl::Tgl> tgl;
