@@ -70,13 +70,6 @@ Mesh Generate(std::mt19937& p_random) {
     return m;
 }
 
-std::string Describe(Mesh const& p_mesh, unsigned p_seed) {
-    return "seed " + std::to_string(p_seed) + ": type " + std::to_string(p_mesh.row.type) + ", primitives " +
-           std::to_string(p_mesh.first) + "+" + std::to_string(p_mesh.count) + ", index type " +
-           std::to_string(p_mesh.indexType) + (p_mesh.vao == VAONever ? ", no VAO" : ", VAO") +
-           (p_mesh.fromVertexData ? ", from VertexData" : "");
-}
-
 // Where two frames differ: the count and the first pixel, for the message.
 std::string Difference(std::vector<std::uint32_t> const& p_got, std::vector<std::uint32_t> const& p_expected) {
     std::size_t count = 0, first = 0;
@@ -99,9 +92,12 @@ protected:
         auto vb = _tgl->GenVertexBuffer(p_mesh.vao);
         if (p_mesh.fromVertexData) {
             VertexData data;
-            data.vertices = VertexData::Vertices{Keep(p_mesh.positions), VertexData::XY, VertexData::Float,
+            auto const borrowed = [](auto const& p_values) {  // the mesh outlives the upload
+                return VertexData::Block(reinterpret_cast<char const*>(p_values.data()), [](char const*) {});
+            };
+            data.vertices = VertexData::Vertices{borrowed(p_mesh.positions), VertexData::XY, VertexData::Float,
                                                  std::uint32_t(p_mesh.positions.size() / 2)};
-            data.colors = VertexData::Colors{Keep(p_mesh.floatColors), VertexData::Float, true};
+            data.colors = VertexData::Colors{borrowed(p_mesh.floatColors), VertexData::Float, true};
             VertexDataBuffers(pool, data).BindTo(*vb);
         } else {
             vb->BindBuiltinAttribute({"gl_Vertex", UploadAttribute(pool, p_mesh.positions.data(), p_mesh.positions.size() / 2, 2), LayoutOf<float>(2)});
@@ -111,13 +107,6 @@ protected:
         // same upload with the type taken from the element type.
         vb->BindIndexBuffer(ElementArrayBuffer(pool, p_mesh.indexType, p_mesh.indexBytes.data(), p_mesh.IndexCount()));
         return vb;
-    }
-
-    template <typename T>
-    static VertexData::Block Keep(std::vector<T> const& p_values) {
-        auto* copy = new char[p_values.size() * sizeof(T)];
-        std::memcpy(copy, p_values.data(), p_values.size() * sizeof(T));
-        return VertexData::Block(copy);
     }
 
     std::vector<std::uint32_t> ThroughVertexBuffer(Mesh const& p_mesh) {
@@ -169,8 +158,8 @@ TEST_F(VertexBufferOracle, MeshesGiveTheDriversPixels) {
         Mesh const mesh = Generate(random);
         auto const expected = ThroughDriver(mesh);
         drawn += Difference(expected, std::vector<std::uint32_t>(expected.size(), 0xff000000u)) != "";
-        ASSERT_EQ(Difference(ThroughVertexBuffer(mesh), expected), "") << Describe(mesh, seed);
-        ASSERT_EQ(_gl->GetError(), GLenum(GL_NO_ERROR)) << Describe(mesh, seed);
+        ASSERT_EQ(Difference(ThroughVertexBuffer(mesh), expected), "") << "seed " << seed;
+        ASSERT_EQ(_gl->GetError(), GLenum(GL_NO_ERROR)) << "seed " << seed;
     }
     EXPECT_GT(drawn, 180);
 }

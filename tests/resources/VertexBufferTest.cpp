@@ -60,6 +60,9 @@ TEST_F(VertexBufferCalls, BindDrawAndUnbindSendWhatTheyMust) {
     _fake.Step("instanced, then from base instance 7");
     vao->Unbind();
     _fake.Step("unbind");
+    _fake->ClientActiveTexture(GL_TEXTURE2);
+    _fake->Bind(vao);
+    _fake.Step("a scoped bind of texture sets and its release: the facade's client unit selected again after each");
 
     auto plain = _fake->GenVertexBuffer(VAONever);
     plain->BindBuiltinAttribute(vertices);

@@ -1,6 +1,6 @@
 // The shader builder's texts against golden files: headers for scripted
 // vendors, render passes, limits, extension sets, template flags per stage
-// and versions, with the reports of the geometry factory, of out-of-range
+// and versions, every version's text, with the reports of the geometry factory, of out-of-range
 // versions and of an expired facade; the expanded source of a small template
 // tree with the origin of every line and the "GLSL" log, across two appends
 // on one builder and in a copy; ParseIncludeMacro on the directive's odd
@@ -61,6 +61,8 @@ TEST(GLSLShaderBuilderHeader, VendorsPassesLimitsExtensionsTemplateFlagsAndVersi
                                  : GLSLShaderBuilder(tgl.ConstHandle(), version, ExtensionSet(row.bits)),
                      fake.capture);
     }
+    text += "== GetVersionString\n";
+    for (int version = GLSL_1_1; version < GLSLVersion_Count; ++version) text += GetVersionString(GLSLVersion(version)) + "\n";
     Handle const expired = fake->ConstHandle();
     fake.tgl.reset(), fake.capture.Sink().Clear();
     text += Dump("an expired facade", GLSLShaderBuilder(expired, GLSL_1_1, {}), fake.capture);

@@ -5,6 +5,7 @@
 #include "ogl/api/Tokens.h"
 #include "ogl/tgl/Tgl.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <functional>
@@ -177,6 +178,12 @@ void VertexBuffer::DoDeallocate() {
 bool VertexBuffer::IsValid() const { return TglResource::IsValid() && (!_state->useVAO || Name() != 0); }
 bool VertexBuffer::UsesVAO() const { return _state->useVAO; }
 bool VertexBuffer::IsBound() const { return _state->bound; }
+
+bool VertexBuffer::SelectsClientUnits() const {
+    return std::any_of(_state->builtInBindings.begin(), _state->builtInBindings.end(), [](auto const& p_binding) {
+        return p_binding.first.str().rfind("gl_MultiTexCoord", 0) == 0;
+    });
+}
 
 void VertexBuffer::BindVertexBuffer(BufferRef const& p_buffer, Utility::HashedString const& p_builtin, int p_attribute,
                                     AttributeLayout const& p_layout) {

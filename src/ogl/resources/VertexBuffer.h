@@ -42,6 +42,9 @@ public:
     bool IsValid() const override;
     bool UsesVAO() const;
     bool IsBound() const;
+    // Binding or unbinding selects client texture units (texture sets are
+    // bound), so whoever tracks the selected unit selects it again.
+    bool SelectsClientUnits() const;
 
     // A built-in array by name; p_attribute must be -1.
     void BindVertexBuffer(BufferRef const& p_buffer, Utility::HashedString const& p_builtin, int p_attribute,

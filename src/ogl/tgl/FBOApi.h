@@ -23,12 +23,16 @@ struct FBOApi {
 #define TEV_FBO_MEMBER(p_name) decltype(OglApi::p_name) p_name = nullptr;
     TEV_FBO_ENTRIES(TEV_FBO_MEMBER)
 #undef TEV_FBO_MEMBER
+    // Core since GL 2.0, with no EXT twin: both families take the table's
+    // one entry.
+    decltype(OglApi::DrawBuffers) DrawBuffers = nullptr;
 
     static FBOApi Core(OglApi const& p_gl) {
         FBOApi api{ARB_framebuffer_object};
 #define TEV_FBO_COPY(p_name) api.p_name = p_gl.p_name;
         TEV_FBO_ENTRIES(TEV_FBO_COPY)
 #undef TEV_FBO_COPY
+        api.DrawBuffers = p_gl.DrawBuffers;
         return api;
     }
 
@@ -37,6 +41,7 @@ struct FBOApi {
 #define TEV_FBO_COPY(p_name) api.p_name = p_gl.p_name##EXT;
         TEV_FBO_ENTRIES(TEV_FBO_COPY)
 #undef TEV_FBO_COPY
+        api.DrawBuffers = p_gl.DrawBuffers;
         return api;
     }
 };

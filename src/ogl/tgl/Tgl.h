@@ -53,6 +53,7 @@ struct OglApi;
 struct FBOApi;
 struct TglHotEntries;
 class BufferPool;
+class FrameBufferObject;
 class GLSLProgram;
 class GLSLShaderBuilder;
 class OglDebug;
@@ -62,6 +63,7 @@ class StateTracker;
 class TglResource;
 class DisplayList;
 class PrimitiveBuffer;
+class Texture;
 
 class TEVOGL_API Tgl {
 public:
@@ -230,6 +232,63 @@ public:
     Token ScopedOutputStage(OutputStage const& p_stage);
     OutputStage ActiveOutputStage() const;
 
+    // ---- Textures
+
+    // Texture targets. The values are GL's own target enumerants, passed on
+    // unchanged to the bind, enable and disable calls.
+    enum TexSamplerType : unsigned {
+        Texture1D = 0x0DE0,
+        Texture2D = 0x0DE1,
+        Texture3D = 0x806F,
+        TextureCubeMap = 0x8513,
+        TextureRectangle = 0x84F5,
+        Texture1DArray = 0x8C18,
+        Texture2DArray = 0x8C1A,
+        TextureBuffer = 0x8C2A,
+    };
+    // A texture-coordinate set of vertex data; set n feeds unit n, below
+    // TexCoordMAX.
+    enum TexCoordType : unsigned { TexCoord0, TexCoord1, TexCoord2, TexCoord3, TexCoord4, TexCoord5, TexCoord6, TexCoord7 };
+    // A texture unit by number: 0 is GL_TEXTURE0.
+    using TexUnitIndex = unsigned;
+
+    boost::shared_ptr<Texture> GenTexture();
+    // Binds p_texture to p_target on the active unit; no texture binds GL's
+    // default one (name 0).
+    void Bind(boost::shared_ptr<Texture> const& p_texture, TexSamplerType p_target);
+    // Bind, with a token whose release unbinds p_target on the unit active
+    // now and then selects again the unit active at the release.
+    Token ScopedBind(boost::shared_ptr<Texture> const& p_texture, TexSamplerType p_target);
+    // Binds name 0 to p_target on p_unit (TGL_TEXTURE0 onwards); the active
+    // unit stays as it was.
+    void UnbindTexture(unsigned p_unit, TexSamplerType p_target);
+    // p_unit is a texture unit token, TGL_TEXTURE0 onwards. The facade keeps
+    // the units it selected, so that an unbind can return to them without
+    // asking GL.
+    void ActiveTexture(unsigned p_unit);
+    void ClientActiveTexture(unsigned p_unit);
+    unsigned ActiveTextureUnit() const { return _activeTexture; }
+    unsigned ClientActiveTextureUnit() const { return _clientActiveTexture; }
+    // The texture environment and coordinate generation go to GL in both
+    // modes: a bound program ignores them.
+    void TexEnvi(unsigned p_target, unsigned p_param, int p_value);
+    void TexEnvfv(unsigned p_target, unsigned p_param, float const* p_values);
+    void TexGeni(unsigned p_coord, unsigned p_param, int p_value);
+    void TexCoordPointer(int p_size, unsigned p_type, int p_stride, void const* p_pointer);
+    // p_target is a texture target or, for a cube map, one of its faces.
+    void GetTexImage(unsigned p_target, int p_level, unsigned p_format, unsigned p_type, void* p_pixels) const;
+    Types::Size GetTexLevelSize(unsigned p_target, int p_level) const;
+    // Needs GL 3.0.
+    void GenerateMipmap(TexSamplerType p_target);
+
+    // ---- Framebuffers
+
+    // Null, with a report, where the driver offers no framebuffer objects.
+    boost::shared_ptr<FrameBufferObject> GenFBO();
+    // Draws into p_fbo, as the render pass p_stage, until the token goes;
+    // the framebuffer and the pass in force before come back then.
+    Token Bind(boost::shared_ptr<FrameBufferObject> const& p_fbo, OutputStage const& p_stage = OutputStage::Forward);
+
     // ---- Retained geometry: vertex buffers, primitive buffers, display lists
 
     boost::shared_ptr<VertexBuffer> GenVertexBuffer(VAOFlags p_vaoFlags = VAOWhereSupported);
@@ -352,6 +411,16 @@ private:
     void PushRenderPass(OutputStage const& p_stage);
     void PopRenderPass();
 
+    // ---- Textures and framebuffers
+
+    void CommitTextureBinding(TexSamplerType p_target, unsigned p_name);
+    // False, with nothing pushed, for no framebuffer.
+    bool PushFBO(boost::shared_ptr<FrameBufferObject> p_fbo);
+    void PopFBO(boost::shared_ptr<FrameBufferObject> const& p_expectedFBO);
+    // A token whose release calls p_release on this facade, if it still
+    // exists.
+    Token MakeToken(boost::function<void(Tgl&)> p_release);
+
     std::unique_ptr<OglApi> _impl;
     Utility::VersionNo _glVersion;
     Utility::VersionNo _gluVersion;
@@ -384,6 +453,12 @@ private:
     Token _fixedFunctionToken;
     // The programs in force before each Bind still open.
     std::vector<boost::shared_ptr<Program>> _programStack;
+    // The framebuffers bound before each Bind still open, the latest first.
+    std::list<boost::shared_ptr<FrameBufferObject>> _fboStack;
+    boost::shared_ptr<FrameBufferObject> _boundFBO;
+    // The texture units last selected through the facade.
+    unsigned _activeTexture = 0;
+    unsigned _clientActiveTexture = 0;
     // One compiled program per program type.
     boost::unordered_map<Utility::TypeInfo, boost::shared_ptr<Program>> _programs;
     std::list<boost::shared_ptr<Shader>> _shaderStack;

@@ -40,8 +40,8 @@ Tgl::Tgl(OglApi const& p_api, DeviceFeatureMask const& p_requested)
     _fixedFunction = boost::make_shared<FixedFunction>(*_impl);
     _fixedFunctionToken = Bind(_fixedFunction);
 
-    _impl->ActiveTexture(Tokens::TGL_TEXTURE0);
-    _impl->ClientActiveTexture(Tokens::TGL_TEXTURE0);
+    ActiveTexture(Tokens::TGL_TEXTURE0);
+    ClientActiveTexture(Tokens::TGL_TEXTURE0);
     if (!ChooseFBOApi()) sentry("no framebuffer-object support");
     _hot->MatrixMode(Tokens::TGL_MODELVIEW);
     _scissorStack.push_back(_currentScissor);
@@ -66,6 +66,8 @@ Tgl::~Tgl() {
     _directMode.Clear();
     _boundShader.reset();
     _shaderStack.clear();
+    _fboStack.clear();
+    _boundFBO.reset();
     _programStack.clear();
     _programs.clear();
     _outputStageStack.reset();
@@ -124,9 +126,13 @@ void Tgl::PushScopedOperation(boost::shared_ptr<void> p_operation) {
 }
 
 Tgl::Token Tgl::MakeToken(void (Tgl::*p_pop)()) {
+    return MakeToken([p_pop](Tgl& p_tgl) { (p_tgl.*p_pop)(); });
+}
+
+Tgl::Token Tgl::MakeToken(boost::function<void(Tgl&)> p_release) {
     Utility::WeakWatchedRef<Tgl> const handle = Handle();
-    return Token(static_cast<void*>(this), [handle, p_pop](void*) {
-        if (!handle.Expired()) (handle.Lock().Get()->*p_pop)();
+    return Token(static_cast<void*>(this), [handle, p_release](void*) {
+        if (!handle.Expired()) p_release(*handle.Lock());
     });
 }
 

@@ -7,6 +7,7 @@
 #include "ogl/resources/DisplayList.h"
 #include "ogl/resources/PrimitiveBuffer.h"
 #include "ogl/resources/VertexBuffer.h"
+#include "ogl/tgl/TglHotEntries.h"
 
 #include <boost/weak_ptr.hpp>
 
@@ -19,14 +20,19 @@ boost::shared_ptr<VertexBuffer> Tgl::GenVertexBuffer(VAOFlags p_vaoFlags) {
 }
 
 // The token holds the buffer weakly: a buffer dropped while bound has
-// already taken its arrays with it.
+// already taken its arrays with it. Texture sets select client units
+// behind the facade's back; the unit the facade has on record comes back.
 Tgl::Token Tgl::Bind(boost::shared_ptr<VertexBuffer> const& p_buffer) {
     if (!chkptr(p_buffer)) return Token();
     VertexBuffer& _instance = *p_buffer;
     if (ensure(_instance.IsValid())) _instance.Bind();
+    if (_instance.SelectsClientUnits()) _hot->ClientActiveTexture(_clientActiveTexture);
     boost::weak_ptr<VertexBuffer> const weak = p_buffer;
-    return Token(static_cast<void*>(p_buffer.get()), [weak](void*) {
-        if (auto const buffer = weak.lock(); buffer && buffer->IsValid()) buffer->Unbind();
+    return MakeToken([weak](Tgl& p_tgl) {
+        auto const buffer = weak.lock();
+        if (!buffer || !buffer->IsValid()) return;
+        buffer->Unbind();
+        if (buffer->SelectsClientUnits()) p_tgl._hot->ClientActiveTexture(p_tgl._clientActiveTexture);
     });
 }
 

@@ -35,14 +35,18 @@ void Tgl::PushAttrib(unsigned p_mask) {
     _hot->PushAttrib(p_mask);
     _stateTracker->PushAttrib(p_mask);
     // The tracker's pop rides with GL's, so that a backstop unwinding a
-    // forgotten pop restores both.
+    // forgotten pop restores both. GL's pop of the texture bit brings back
+    // the active unit, and the facade's record of it follows.
     auto const popAttrib = _hot->PopAttrib;
     StateTracker* const tracker = _stateTracker.get();
+    bool const restoresUnit = (p_mask & Tokens::TGL_TEXTURE_BIT) != 0;
+    unsigned const activeTexture = _activeTexture;
     PushUndo(
         _attributeUndoStack,
-        [popAttrib, tracker] {
+        [this, popAttrib, tracker, restoresUnit, activeTexture] {
             tracker->PopAttrib();
             popAttrib();
+            if (restoresUnit) _activeTexture = activeTexture;
         },
         "PopAttrib", "PopAttribute - Fallback");
 }
