@@ -56,6 +56,9 @@ TEST(ProgramCalls, CompileAttachLinkBindLookUpAndDispatchAsTranscribed) {
     fake.Step("bound: validated, used, and the error after the use decoded");
     program->Object()->GetUniformLocation("u_unknown"), program->Object()->GetUniformLocation("u_unknown");
     fake.Step("an unknown uniform twice: one query");
+    program->Object()->ScopedBind().reset();
+    EXPECT_TRUE(tgl.IsFixedFunction());
+    fake.Step("the object's own scoped bind, ended: the facade follows into fixed-function mode");
     bound.reset();
     auto const glsl = boost::dynamic_pointer_cast<GLSLProgram>(program->Object());
     glsl->AttachShader(tgl.GenVertexShader(builder));

@@ -399,7 +399,7 @@ private:
     void UnbindProgram();
     // Links p_object if it is stale, and makes it GL's current program.
     static void UseObject(ProgramObject& p_object);
-    // A program whose callback unbinds it from this facade.
+    // p_callback runs when a ScopedBind of the program ends.
     boost::shared_ptr<GLSLProgram> GenProgram(boost::function<void()> p_callback = {});
     template <int STAGE>
     boost::shared_ptr<GLSLShader<STAGE>> GenShader(GLSLShaderBuilder const& p_builder);

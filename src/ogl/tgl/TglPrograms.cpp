@@ -53,15 +53,19 @@ boost::shared_ptr<Shader> Tgl::GenFixedFunctionShader() {
     });
 }
 
-// The program is held weakly by its object's callback, which would
-// otherwise keep it alive through its own object.
+// The object's callback runs when a ScopedBind of the object ends, which
+// leaves GL without a program: a facade that has the program in force
+// follows into fixed-function mode. It leaves the program stack alone,
+// whose entries belong to the tokens of Bind. The program is held weakly,
+// or it would keep itself alive through its own object.
 void Tgl::CompileCachedProgram(boost::shared_ptr<Program> const& p_program, Assets::Volume const& p_volume) {
     Utility::WeakWatchedRef<Tgl> const handle = Handle();
     boost::weak_ptr<Program> const weak = p_program;
     auto const object = GenProgram([handle, weak] {
         if (handle.Expired()) return;
         Tgl& facade = *handle.Lock();
-        if (auto const program = weak.lock(); program && program == facade._boundProgram) facade.UnbindProgram();
+        if (auto const program = weak.lock(); program && program == facade._boundProgram)
+            facade.RestoreProgram(facade._fixedFunction);
     });
     p_program->Initialize(Handle(), object, p_volume);
     if (p_program == _boundProgram) UseObject(*object);
