@@ -153,8 +153,8 @@ TEST_F(ProgramOnMesa, ComputeProgramFillsTheStorageBuffer) {
     EXPECT_TRUE(program->Object()->RequiresCompatibilityAttributes() && !program->RequiresCompatibilityAttributes());
 }
 
-// A rebuild while bound moves the binding to the new GL program; every
-// name goes with the facade.
+// A rebuild while bound moves the binding to the new GL program, which
+// gets its uniforms as at any switch; every name goes with the facade.
 TEST_F(ProgramOnMesa, CacheKeepsOneProgramPerTypeUntilInvalidatedAndNothingOutlivesTheFacade) {
     auto const program = _tgl->CompileProgram<Mirror>(_volume);
     auto const first = program->Object();
@@ -165,7 +165,9 @@ TEST_F(ProgramOnMesa, CacheKeepsOneProgramPerTypeUntilInvalidatedAndNothingOutli
     EXPECT_TRUE(_tgl->CompileProgram<Mirror>(_volume) == program && program->Object() != first && !program->RequiresCompile());
     GLint current = 0;
     _gl->GetIntegerv(GL_CURRENT_PROGRAM, &current);
-    EXPECT_EQ(GLuint(current), program->Object()->Handle());
+    GLfloat tint[4] = {};
+    reinterpret_cast<PFNGLGETUNIFORMFVPROC>(_gl->ProcAddress("glGetUniformfv"))(GLuint(current), program->Object()->GetUniformLocation("u_tint"), tint);
+    EXPECT_TRUE(GLuint(current) == program->Object()->Handle() && tint[0] == 1 && tint[1] == 1 && program->Object()->IsActive());
     _tgl->CompileProgram<Squares>(_volume), _tgl->InvalidateProgramObjects();
     EXPECT_TRUE(program->RequiresCompile());
     EXPECT_EQ(Names("glIsShader").size(), 7u);  // two programs of three stages, and the compute stage

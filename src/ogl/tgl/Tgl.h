@@ -403,8 +403,7 @@ private:
     boost::shared_ptr<GLSLProgram> GenProgram(boost::function<void()> p_callback = {});
     template <int STAGE>
     boost::shared_ptr<GLSLShader<STAGE>> GenShader(GLSLShaderBuilder const& p_builder);
-    // Gives p_program a fresh GLSL program and initializes it; a program in
-    // force moves to its new object at once.
+    // Gives p_program a fresh GLSL program and initializes it.
     void CompileCachedProgram(boost::shared_ptr<Program> const& p_program, Assets::Volume const& p_volume);
     void PushShader(boost::shared_ptr<Shader> p_shader);
     void PopShader(boost::shared_ptr<Shader> const& p_expectedShader);

@@ -68,7 +68,11 @@ void Tgl::CompileCachedProgram(boost::shared_ptr<Program> const& p_program, Asse
             facade.RestoreProgram(facade._fixedFunction);
     });
     p_program->Initialize(Handle(), object, p_volume);
-    if (p_program == _boundProgram) UseObject(*object);
+    // A program in force moves to its new object at once and is told so,
+    // as at any switch, so that it sets its uniforms there.
+    if (p_program != _boundProgram) return;
+    UseObject(*object);
+    p_program->Activated(Handle());
 }
 
 void Tgl::InvalidateProgramObjects() {
