@@ -37,9 +37,10 @@ protected:
         _fake.Build();
     }
 
-    // The framebuffer's draw buffers, as attachment numbers.
-    static std::string Drawn(Fbo const& p_fbo) {
-        std::string text = "draws into";
+    // The render pass in force and the framebuffer's draw buffers, as
+    // attachment numbers.
+    std::string State(Fbo const& p_fbo) {
+        std::string text = "as " + std::string(_fake->ActiveOutputStage().Name()) + ", draws into";
         for (unsigned buffer : p_fbo->DrawBuffers()) text += " " + std::to_string(buffer - GL_COLOR_ATTACHMENT0);
         return text;
     }
@@ -55,30 +56,23 @@ protected:
 // reallocates only what is enabled, keeps the read buffer attached though
 // disabled, and draws into what is left; the names go with the facade.
 TEST_F(FrameBuffers, BindsRebuildOnlyWhatChangedAsTranscribed) {
-    Fbo const fbo = _fake->GenFBO();
-    _fake.Step("made: three colour attachments, none with a texture");
-    fbo->SetSize({64, 32});
-    fbo->Attachments()[0].Create(GL_RGBA8, GL_RGBA, GL_UNSIGNED_BYTE), fbo->Attachments()[2].Create(GL_RGBA16F, GL_RGBA, GL_FLOAT);
-    fbo->DepthStencil().Create();
-    _fake.Step("64 x 32; colour 0 RGBA8, colour 2 RGBA16F and depth-stencil created");
-    Tgl::Token token = _fake->Bind(fbo, OutputStage::Deferred_Opaque);
-    _fake.Step("bound as " + std::string(_fake->ActiveOutputStage().Name()) + ", " + Drawn(fbo));
-    token.reset(), _fake.Step("unbound, back to " + std::string(_fake->ActiveOutputStage().Name()));
-    token = _fake->Bind(fbo);
-    EXPECT_TRUE(_fake.gl.Calls("glTexImage2D").empty());
-    _fake.Step("bound again, nothing changed");
-
-    Fbo const inner = _fake->GenFBO();
+    Fbo const fbo = _fake->GenFBO(), inner = _fake->GenFBO();
+    fbo->SetSize({64, 32}), fbo->Attachments()[0].Create(GL_RGBA8, GL_RGBA, GL_UNSIGNED_BYTE);
+    fbo->Attachments()[2].Create(GL_RGBA16F, GL_RGBA, GL_FLOAT), fbo->DepthStencil().Create();
     inner->SetSize({8, 8}), inner->Attachments()[1].Create(GL_RGBA8, GL_RGBA, GL_UNSIGNED_BYTE);
+    _fake.Step("made: 64 x 32 with colour 0 RGBA8, colour 2 RGBA16F and depth-stencil; a second, 8 x 8 with colour 1");
+    Tgl::Token token = _fake->Bind(fbo, OutputStage::Deferred_Opaque);
+    _fake.Step("bound " + State(fbo));
+    token.reset(), _fake.Step("unbound, back to " + std::string(_fake->ActiveOutputStage().Name()));
+    token = _fake->Bind(fbo), _fake.Step("bound again, nothing changed");
     Tgl::Token innerToken = _fake->Bind(inner, OutputStage::Deferred_Depth);
-    _fake.Step("a second framebuffer bound over it as " + std::string(_fake->ActiveOutputStage().Name()));
-    innerToken.reset(), _fake.Step("popped: the first bound again as " + std::string(_fake->ActiveOutputStage().Name()));
+    _fake.Step("the second bound over it " + State(inner));
+    innerToken.reset(), _fake.Step("popped: the first bound again " + State(fbo));
     token.reset(), _fake.Step("unbound");
-
     fbo->SetSize({32, 16}), fbo->Attachments()[2].Enable(false), fbo->SetReadBuffer(2u);
-    _fake.Step("resized to 32 x 16, colour 2 disabled and read from: nothing sent");
-    token = _fake->Bind(fbo);
-    _fake.Step("bound, " + Drawn(fbo));
+    fbo->DepthStencil().Enable(false), fbo->DepthStencil().Enable(true);
+    _fake.Step("resized to 32 x 16, colour 2 disabled and read from, depth-stencil disabled and enabled again: nothing sent");
+    token = _fake->Bind(fbo), _fake.Step("bound " + State(fbo));
     token.reset(), _fake.Step("unbound");
     _fake.tgl.reset(), _fake.Step("the facade destroyed while both framebuffers are held");
     EXPECT_TRUE(MatchesGolden("resources/framebuffer.txt", _fake.Transcript()));
@@ -95,31 +89,29 @@ TEST_F(FrameBuffers, MisuseIsReportedAndLaterBindsStillWorkAsTranscribed) {
     fbo->SetSize({16, 16}), fbo->Attachments()[0].Create(GL_RGBA8, GL_RGBA, GL_UNSIGNED_BYTE);
     fbo->Attachments()[1].Enable(true), fbo->SetReadBuffer(3u);
     _fake.Step("colour 1 enabled without a texture; read from 3");
-    _fake->Bind(fbo), _fake.Step("bound and unbound");
+    _fake->Bind(fbo), _fake.Step("bound");
     fbo->Attachments().Enable(false), _status = GL_FRAMEBUFFER_INCOMPLETE_MISSING_ATTACHMENT;
-    _fake->Bind(fbo), _fake.Step("every colour attachment disabled, the driver finding it incomplete: bound and unbound");
-    fbo->DepthStencil().Destroy(), fbo->DepthStencil().Enable(true);
-    fbo->Attachments()[0].Enable(true), _status = GL_FRAMEBUFFER_COMPLETE;
-    _fake.Step("depth-stencil enabled after its destruction; colour 0 enabled again");
-    _fake->Bind(fbo), _fake.Step("bound and unbound");
+    _fake->Bind(fbo), _fake.Step("unbound; every colour attachment disabled, the driver finding it incomplete: bound");
+    fbo->DepthStencil().Destroy(), fbo->DepthStencil().Enable(true), fbo->Attachments()[0].Enable(true), _status = GL_FRAMEBUFFER_COMPLETE;
+    _fake.Step("unbound; the depth-stencil enabled after its destruction, colour 0 again");
+    _fake->Bind(fbo), _fake.Step("bound");
     Types::MinMax_Base<unsigned> const levels = fbo->GenerateCustomMipMap(3, 0, {});
-    _fake.Step("mip levels of colour 3 with no callback while unbound: " + std::to_string(levels.min) + " to " + std::to_string(levels.max));
-    _fake.gl.SetString(GL_VERSION, "2.1");
-    _fake.Build().GenerateMipmap(Tgl::Texture2D), _fake.Step("on GL 2.1, mipmaps generated");
+    _fake.Step("unbound; mip levels of colour 3 with no callback: " + std::to_string(levels.min) + " to " + std::to_string(levels.max));
+    _fake.gl.SetString(GL_VERSION, "2.1"), _fake.Build().GenerateMipmap(Tgl::Texture2D), _fake.Step("on GL 2.1, mipmaps generated");
     EXPECT_TRUE(MatchesGolden("resources/framebuffer-misuse.txt", _fake.Transcript()));
 }
 
-// A scoped bind unbinds on the unit of the bind and comes back to the unit
-// active at the release, which a texture-bit pop has put back; a sampler
-// bound twice to one target keeps it and takes the later texture; applied
-// on unit 1 it enables the target, turns point sprites on and sets the
-// uniform that has a location, and one never bound is reported and applied
-// as 2-D without a uniform. The target values are GL's.
+// The target values are GL's. A scoped bind unbinds on the unit of the bind
+// and comes back to the unit active at the release, which a texture-bit pop
+// has put back; a sampler bound twice to one target keeps it and takes the
+// later texture; applied on unit 1 it enables the target, turns point
+// sprites on and sets the uniform that has a location, and one never bound
+// is reported and applied as 2-D without a uniform.
 TEST_F(FrameBuffers, TextureUnitsAndSamplersAsTranscribed) {
-    for (auto [target, token] : {std::pair{Tgl::Texture1D, GL_TEXTURE_1D}, {Tgl::Texture2D, GL_TEXTURE_2D}, {Tgl::Texture3D, GL_TEXTURE_3D},
-                                 {Tgl::TextureCubeMap, GL_TEXTURE_CUBE_MAP}, {Tgl::TextureRectangle, GL_TEXTURE_RECTANGLE},
-                                 {Tgl::Texture1DArray, GL_TEXTURE_1D_ARRAY}, {Tgl::Texture2DArray, GL_TEXTURE_2D_ARRAY}, {Tgl::TextureBuffer, GL_TEXTURE_BUFFER}})
-        EXPECT_EQ(unsigned(target), unsigned(token));
+    EXPECT_EQ((std::vector<unsigned>{Tgl::Texture1D, Tgl::Texture2D, Tgl::Texture3D, Tgl::TextureCubeMap, Tgl::TextureRectangle,
+                                     Tgl::Texture1DArray, Tgl::Texture2DArray, Tgl::TextureBuffer}),
+              (std::vector<unsigned>{GL_TEXTURE_1D, GL_TEXTURE_2D, GL_TEXTURE_3D, GL_TEXTURE_CUBE_MAP, GL_TEXTURE_RECTANGLE,
+                                     GL_TEXTURE_1D_ARRAY, GL_TEXTURE_2D_ARRAY, GL_TEXTURE_BUFFER}));
     Tgl& tgl = *_fake.tgl;
     boost::shared_ptr<Texture> const first = tgl.GenTexture(), second = tgl.GenTexture();
     tgl.ActiveTexture(GL_TEXTURE3);
