@@ -3,9 +3,11 @@
 #pragma once
 
 #include "framework/debug/Debug.h"
+#include "ogl/api/DeviceFeatures.h"
 #include "ogl/api/OglApi.h"
 #include "ogl/device/osmesa/ContextOSMesa.h"
 #include "ogl/device/osmesa/DeviceOSMesa.h"
+#include "ogl/tgl/Tgl.h"
 
 #include <benchmark/benchmark.h>
 
@@ -37,6 +39,12 @@ struct MesaContext {
         return context;
     }
 };
+
+// One facade on the shared context for the whole program.
+inline Chart::Ogl::Tgl& MesaFacade() {
+    static Chart::Ogl::Tgl facade(*MesaContext::Get().gl, Chart::Ogl::DeviceFeatureMask::PermitAll());
+    return facade;
+}
 
 template <typename Call>
 double NanosecondsPerCall(Call&& p_call, int p_count) {

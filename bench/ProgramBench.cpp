@@ -23,7 +23,7 @@ class Flat : public Program {
 };
 
 void BM_CompiledProgramRequest(benchmark::State& p_state) {
-    static Tgl facade(*MesaContext::Get().gl, DeviceFeatureMask::PermitAll());
+    Tgl& facade = Tev::Bench::MesaFacade();
     Tev::Chart::Assets::MemoryVolume volume;
     volume.Add("flat/flat.vert.glsl", "void main() { gl_Position = gl_Vertex; }\n");
     volume.Add("flat/flat.frag.glsl", "void main() { gl_FragColor = vec4(1.0); }\n");

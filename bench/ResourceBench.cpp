@@ -27,15 +27,10 @@ namespace {
 using namespace Tev::Chart::Ogl;
 using Tev::Bench::MesaContext;
 
-Tgl& Facade() {
-    static Tgl facade(*MesaContext::Get().gl, DeviceFeatureMask::PermitAll());
-    return facade;
-}
-
 void BM_VertexBufferDraw(benchmark::State& p_state) {
     int const triangles = int(p_state.range(0));
     OglApi const& gl = *MesaContext::Get().gl;
-    Tgl& tgl = Facade();
+    Tgl& tgl = Tev::Bench::MesaFacade();
     std::mt19937 random(1);
     // Small triangles over the whole surface, so that the draw is not all
     // rasterisation.
@@ -82,7 +77,7 @@ void BM_PooledUploads(benchmark::State& p_state) {
     int const uploads = int(p_state.range(0));
     std::uint64_t const bytes = 4096;
     OglApi const& gl = *MesaContext::Get().gl;
-    auto const pool = Facade().GetBufferPool();
+    auto const pool = Tev::Bench::MesaFacade().GetBufferPool();
     std::vector<char> const data(bytes, 7);
     std::vector<std::unique_ptr<PooledBuffer>> frame(static_cast<std::size_t>(uploads));
     std::vector<GLuint> names(static_cast<std::size_t>(uploads));
@@ -108,7 +103,7 @@ void BM_PrimitiveBufferDraw(benchmark::State& p_state) {
     OglApi const& gl = *MesaContext::Get().gl;
     std::mt19937 random(2);
     std::vector<float> positions;
-    auto const series = Facade().CreatePrimitiveBuffer(VertexBuffer::Points);
+    auto const series = Tev::Bench::MesaFacade().CreatePrimitiveBuffer(VertexBuffer::Points);
     for (int i = 0; i < points; ++i) {
         float const x = float(i) / float(points) * 2.0f - 1.0f, y = float(random() % 2000) / 1000.0f - 1.0f;
         positions.insert(positions.end(), {x, y, 0.0f});

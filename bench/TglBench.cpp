@@ -23,11 +23,6 @@ namespace {
 using namespace Tev::Chart::Ogl;
 using Tev::Bench::MesaContext;
 
-Tgl& Facade() {
-    static Tgl facade(*MesaContext::Get().gl, DeviceFeatureMask::PermitAll());
-    return facade;
-}
-
 // A corner of triangle p_index of a grid over the 64 × 64 surface.
 double Corner(int p_index, int p_corner, int p_axis) {
     double const cell = double(p_index % 10) * 0.2 - 1.0;
@@ -38,7 +33,7 @@ double Corner(int p_index, int p_corner, int p_axis) {
 void BM_ImmediateModeTriangles(benchmark::State& p_state) {
     int const triangles = int(p_state.range(0));
     OglApi const& gl = *MesaContext::Get().gl;
-    Tgl& tgl = Facade();
+    Tgl& tgl = Tev::Bench::MesaFacade();
     QColor const colors[3] = {Qt::red, Qt::green, Qt::blue};
     auto const library = [&] {
         Tev::Chart::Utility::Scoped<Tgl> scope(tgl);
@@ -68,7 +63,7 @@ BENCHMARK(BM_ImmediateModeTriangles)->Arg(1)->Arg(100)->Unit(benchmark::kMicrose
 void BM_BufferOfKnownSize(benchmark::State& p_state) {
     std::uint64_t const bytes = std::uint64_t(p_state.range(0));
     OglApi const& gl = *MesaContext::Get().gl;
-    BufferPool& pool = *Facade().GetBufferPool();
+    BufferPool& pool = *Tev::Bench::MesaFacade().GetBufferPool();
     auto const library = [&] {
         auto const buffer = Internal::BufferPoolAccess::FindOrAllocate(pool, bytes, BufferUsage::Default);
         Internal::BufferPoolAccess::Free(pool, buffer);
