@@ -22,6 +22,23 @@ constexpr GLenum AttachedShaders = 0x8B85;
 // Large enough for any name a shader author writes; longer ones are cut.
 constexpr GLsizei NameBufferSize = 255;
 
+// The active uniforms or attributes of a linked program, one visit each in
+// the driver's order, after a heading with their count.
+template <typename Visit>
+void ForEachActive(OglApi const& p_gl, GLuint p_program, GLenum p_countName,
+                   decltype(OglApi::GetActiveUniform) p_getActive, char const* p_heading, Visit&& p_visit) {
+    GLint count = 0;
+    p_gl.GetProgramiv(p_program, p_countName, &count);
+    Debug::dlog("GLSL") << p_heading << count;
+    for (GLint index = 0; index < count; ++index) {
+        GLchar name[NameBufferSize + 1] = {};
+        GLint size = 0;
+        GLenum type = 0;
+        p_getActive(p_program, GLuint(index), NameBufferSize, nullptr, &size, &type, name);
+        p_visit(index, size, type, name);
+    }
+}
+
 }  // namespace
 
 struct GLSLProgram::State {
@@ -144,35 +161,24 @@ void GLSLProgram::Link() {
 
 void GLSLProgram::CacheUniforms() {
     OglApi const& gl = Api();
-    GLint count = 0;
-    gl.GetProgramiv(Handle(), Tokens::TGL_ACTIVE_UNIFORMS, &count);
-    Debug::dlog("GLSL") << "UNIFORMS: " << count;
-    for (GLint index = 0; index < count; ++index) {
-        GLchar name[NameBufferSize + 1] = {};
-        GLint size = 0;
-        GLenum type = 0;
-        gl.GetActiveUniform(Handle(), GLuint(index), NameBufferSize, nullptr, &size, &type, name);
-        Debug::dlog("GLSL") << "\t[" << index << "] = type(" << type << ") sizeof(" << size << ") " << name << "\n";
-        _state->uniforms[Utility::HashedString(name)] = gl.GetUniformLocation(Handle(), name);
-    }
+    ForEachActive(gl, Handle(), Tokens::TGL_ACTIVE_UNIFORMS, gl.GetActiveUniform, "UNIFORMS: ",
+                  [&](GLint p_index, GLint p_size, GLenum p_type, GLchar const* p_name) {
+        Debug::dlog("GLSL") << "\t[" << p_index << "] = type(" << p_type << ") sizeof(" << p_size << ") " << p_name
+                            << "\n";
+        _state->uniforms[Utility::HashedString(p_name)] = gl.GetUniformLocation(Handle(), p_name);
+    });
 }
 
 void GLSLProgram::CacheAttributes() {
     OglApi const& gl = Api();
-    GLint count = 0;
-    gl.GetProgramiv(Handle(), Tokens::TGL_ACTIVE_ATTRIBUTES, &count);
     _state->requiresCompatibilityAttributes = true;
-    Debug::dlog("GLSL") << "ATTRIBUTES: " << count;
-    for (GLint index = 0; index < count; ++index) {
-        GLchar name[NameBufferSize + 1] = {};
-        GLint size = 0;
-        GLenum type = 0;
-        gl.GetActiveAttrib(Handle(), GLuint(index), NameBufferSize, nullptr, &size, &type, name);
-        int const location = gl.GetAttribLocation(Handle(), name);
-        if (std::string_view(name).substr(0, 3) != "gl_") _state->requiresCompatibilityAttributes = false;
-        _state->attributes[Utility::HashedString(name)] = location;
-        Debug::dlog("GLSL") << "\t" << location << " -> " << name;
-    }
+    ForEachActive(gl, Handle(), Tokens::TGL_ACTIVE_ATTRIBUTES, gl.GetActiveAttrib, "ATTRIBUTES: ",
+                  [&](GLint, GLint, GLenum, GLchar const* p_name) {
+        int const location = gl.GetAttribLocation(Handle(), p_name);
+        if (std::string_view(p_name).substr(0, 3) != "gl_") _state->requiresCompatibilityAttributes = false;
+        _state->attributes[Utility::HashedString(p_name)] = location;
+        Debug::dlog("GLSL") << "\t" << location << " -> " << p_name;
+    });
 }
 
 int GLSLProgram::GetUniformLocation(Utility::HashedString const& p_name) {
