@@ -20,7 +20,8 @@ std::vector<ShaderUniforms::Slot> MakeSlots() {
         slots.push_back({"tgl_LightEnabled[" + std::to_string(light) + "]", S::Int});
     }
     slots.insert(slots.end(), {{"tgl_Lighting", S::Int}, {"tgl_LightModelAmbient", S::Vec4},
-                               {"tgl_LightModelTwoSide", S::Int}, {"tgl_LightModelLocalViewer", S::Int}});
+                               {"tgl_LightModelTwoSide", S::Int}, {"tgl_LightModelLocalViewer", S::Int},
+                               {"tgl_Normalize", S::Int}});
     for (char const* face : {"tgl_FrontMaterial.", "tgl_BackMaterial."})
         for (auto const& [name, kind] : std::initializer_list<std::pair<char const*, S::Kind>>{
                  {"ambient", S::Vec4}, {"diffuse", S::Vec4}, {"specular", S::Vec4}, {"emission", S::Vec4},

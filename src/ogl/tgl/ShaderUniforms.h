@@ -42,7 +42,8 @@ public:
     static constexpr int LightModelAmbient = Lighting + 1;
     static constexpr int LightModelTwoSide = Lighting + 2;
     static constexpr int LightModelLocalViewer = Lighting + 3;
-    static constexpr int MaterialBase = Lighting + 4;
+    static constexpr int Normalize = Lighting + 4;
+    static constexpr int MaterialBase = Lighting + 5;
     static constexpr int MaterialSlot(int p_face, MaterialField p_field) {
         return MaterialBase + p_face * MaterialFieldCount + p_field;
     }

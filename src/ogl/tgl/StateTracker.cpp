@@ -33,6 +33,9 @@ struct MaterialParam : Param {
 
 // GL_MATRIX_MODE, which callers never pass and so is no exported token.
 constexpr GLenum MatrixModeQuery = 0x0BA0;
+// GL_RESCALE_NORMAL and GL_TRANSFORM_BIT, for the same reason.
+constexpr unsigned RescaleNormal = 0x803A;
+constexpr unsigned TransformBit = 0x1000;
 
 constexpr std::array<float, 4> Black{0, 0, 0, 1};
 constexpr std::array<float, 4> White{1, 1, 1, 1};
@@ -215,6 +218,8 @@ void StateTracker::SetCapability(unsigned p_capability, bool p_enabled, int p_un
         _values.lighting = p_enabled;
     } else if (p_capability == Tokens::TGL_COLOR_MATERIAL) {
         _values.colorMaterial = p_enabled;
+    } else if (p_capability == Tokens::TGL_NORMALIZE || p_capability == RescaleNormal) {
+        _values.normalize = p_enabled;
     } else if (light >= 0 && light < 8) {
         if (light < TrackedLights)
             _values.lightEnabled[light] = p_enabled;
@@ -299,6 +304,7 @@ void StateTracker::Publish() {
     _uniforms.Assign(U::LightModelAmbient, _values.lightModelAmbient);
     _uniforms.Assign(U::LightModelTwoSide, _values.lightModelTwoSide ? 1.0f : 0.0f);
     _uniforms.Assign(U::LightModelLocalViewer, _values.lightModelLocalViewer ? 1.0f : 0.0f);
+    _uniforms.Assign(U::Normalize, _values.normalize ? 1.0f : 0.0f);
     for (int face = 0; face < 2; ++face) {
         MaterialValues const& m = _values.materials[face];
         for (int field = 0; field < 4; ++field)
@@ -377,6 +383,7 @@ void StateTracker::RestoreGroups(unsigned p_mask, Values const& p_saved) {
         _values.colorMaterialFace = p_saved.colorMaterialFace;
         _values.colorMaterialMode = p_saved.colorMaterialMode;
     }
+    if (p_mask & (TransformBit | Tokens::TGL_ENABLE_BIT)) _values.normalize = p_saved.normalize;
     if (p_mask & (Tokens::TGL_LIGHTING_BIT | Tokens::TGL_ENABLE_BIT)) {
         _values.lighting = p_saved.lighting;
         _values.lightEnabled = p_saved.lightEnabled;

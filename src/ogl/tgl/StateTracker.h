@@ -58,6 +58,9 @@ public:
         bool lighting = false;
         std::array<bool, TrackedLights> lightEnabled{};
         bool colorMaterial = false;
+        // GL_NORMALIZE or GL_RESCALE_NORMAL: without either, GL lights with
+        // the normal as the model-view matrix leaves it.
+        bool normalize = false;
         std::array<Unit, TrackedUnits> units;
         std::array<float, 4> lightModelAmbient;
         bool lightModelTwoSide = false;

@@ -31,7 +31,8 @@ void main() {
 #endif
     v_texCoord0 = gl_TextureMatrix[0] * texCoord0;
     v_texCoord1 = gl_TextureMatrix[1] * texCoord1;
-    vec3 eyeNormal = normalize(gl_NormalMatrix * normal);
+    vec3 eyeNormal = gl_NormalMatrix * normal;
+    if (tgl_Normalize != 0) eyeNormal = normalize(eyeNormal);
 #if defined(ENABLE_FRAGMENT_LIGHTING) || defined(ENABLE_FRAGMENT_NORMAL)
     v_eyePosition = eye.xyz;
     v_eyeNormal = eyeNormal;

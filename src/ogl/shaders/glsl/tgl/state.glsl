@@ -28,6 +28,8 @@ uniform int tgl_Lighting;
 uniform vec4 tgl_LightModelAmbient;
 uniform int tgl_LightModelTwoSide;
 uniform int tgl_LightModelLocalViewer;
+// GL_NORMALIZE (or GL_RESCALE_NORMAL) is on.
+uniform int tgl_Normalize;
 uniform tgl_MaterialParameters tgl_FrontMaterial;
 uniform tgl_MaterialParameters tgl_BackMaterial;
 // The material colours the vertex colour stands in for: bits 0 to 3 the
