@@ -63,6 +63,7 @@ class StateTracker;
 class TglResource;
 class DisplayList;
 class PrimitiveBuffer;
+class Text;
 class Texture;
 
 class TEVOGL_API Tgl {
@@ -300,6 +301,14 @@ public:
     // p_count lists with consecutive names; none when the driver has no
     // range that long.
     std::vector<boost::shared_ptr<DisplayList>> GenDisplayLists(int p_count);
+
+    // ---- Text
+
+    // A texture font of p_pixelSize pixels from the first of p_fontFiles
+    // that loads; an empty list takes the default font (DejaVu Sans). None
+    // loading is reported per file and gives a text that is not valid and
+    // draws nothing.
+    boost::shared_ptr<Text> GenFont(std::vector<std::string> const& p_fontFiles, unsigned p_pixelSize);
 
     // ---- Transforms
 
