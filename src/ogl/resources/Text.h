@@ -22,7 +22,7 @@
 
 namespace Tev::Chart::Ogl {
 
-namespace Detail { struct FtglFont; }
+namespace Detail { class FtglFont; }
 
 // The box a string's glyphs cover, in pixels relative to the text's origin
 // on its baseline; y grows upwards.
