@@ -127,8 +127,9 @@ void* GlImplementation::FindGl(char const* p_symbol) const { return dlsym(_handl
 void* GlImplementation::FindGlu(char const* p_symbol) const { return dlsym(_handles->glu, p_symbol); }
 
 // FTGL names libGL.so.1, which in the Mesa namespace would otherwise load
-// GLVND's dispatcher there, never current on an OSMesa context: the shim
-// of that name, loaded first, makes FTGL's GL calls resolve to OSMesa.
+// GLVND's dispatcher there beside OSMesa. The shim of that name, loaded
+// first, keeps it out: the only GL library in the namespace is OSMesa, so
+// FTGL's GL references bind to OSMesa whatever the lookup order.
 void* GlImplementation::FindFtgl(char const* p_symbol) const {
     Handles& h = *_handles;
     std::call_once(h.ftglOnce, [this, &h] {
