@@ -22,7 +22,7 @@
 
 namespace Tev::Chart::Ogl {
 
-namespace Detail { struct FtglFont; }
+namespace Detail { class FtglFont; }
 
 // The box a string's glyphs cover, in pixels relative to the text's origin
 // on its baseline; y grows upwards.
@@ -44,8 +44,8 @@ public:
     // world point p_position (the current modelview, projection and
     // viewport), in the facade's current colour.
     void Render(std::string const& p_text, glm::dvec3 const& p_position);
-    // As Render, at a window pixel; the origin is the viewport's
-    // bottom-left corner.
+    // As Render, at a window pixel (the origin is the window's bottom-left
+    // corner), at the near end of the depth range: pixel text is an overlay.
     void RenderAtPixel(std::string const& p_text, glm::dvec2 const& p_windowPixel);
 
     // How far the pen moves over p_text, in pixels.
