@@ -12,6 +12,11 @@ void GenericProgram::Compile(Utility::WatchedRef<Tgl> const& p_gl, Assets::Volum
     CompileTemplate(p_gl, p_volume, "generic", _flags, Version);
 }
 
+void GenericProgram::ApplyDefines(GLSLShaderBuilder& p_builder) {
+    if (_trims & Unlit) Define(p_builder, "TGL_UNLIT");
+    if (_trims & Untextured) Define(p_builder, "TGL_UNTEXTURED");
+}
+
 void SimpleProgram::Compile(Utility::WatchedRef<Tgl> const& p_gl, Assets::Volume const& p_volume) {
     CompileProgram(p_gl, p_volume, Assets::AssetPath("simple"), _name, Version);
 }

@@ -29,15 +29,25 @@ private:
 };
 
 // Files generic/generic.*.glsl, compiled with p_flags' template defines.
+// The facade draws with a twin that leaves out what the state does not use
+// (lighting while it is off, "TGL_UNLIT"; texturing while both units are
+// off, "TGL_UNTEXTURED"), because SIMD rasterisers such as llvmpipe run
+// both sides of a branch on a uniform: the lighting equation and two
+// texture lookups would otherwise cost every vertex and fragment.
 class TEVOGL_API GenericProgram final : public RouteProgram {
 public:
-    explicit GenericProgram(GLSLTemplateFlags const& p_flags) : _flags(p_flags) {}
+    enum Trim : unsigned { Unlit = 1, Untextured = 2 };
+
+    explicit GenericProgram(GLSLTemplateFlags const& p_flags, unsigned p_trims = 0) : _flags(p_flags), _trims(p_trims) {}
     GLSLTemplateFlags const& Flags() const { return _flags; }
+    unsigned Trims() const { return _trims; }
 
 private:
     void Compile(Utility::WatchedRef<Tgl> const& p_gl, Assets::Volume const& p_volume) override;
+    void ApplyDefines(GLSLShaderBuilder& p_builder) override;
 
     GLSLTemplateFlags _flags;
+    unsigned _trims;
 };
 
 // Files simple/<p_name>.*.glsl.

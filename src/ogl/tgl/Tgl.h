@@ -438,6 +438,10 @@ private:
     // Rebuilds a stale shader-route program first; a program that did not
     // compile puts the fixed-function pipeline in force instead.
     void RestoreRouteProgram(boost::shared_ptr<Program> const& p_program);
+    // The generic shader of p_flags without the parts p_trims names
+    // (GenericProgram::Trim).
+    boost::shared_ptr<Shader> GenericVariant(GLSLTemplateFlags const& p_flags, unsigned p_trims);
+    void ChooseGenericTrims();
     // The shader-route program of p_key, made by p_make on first request.
     boost::shared_ptr<Shader> RouteShader(std::string const& p_key,
                                           boost::function<boost::shared_ptr<RouteProgram>()> const& p_make);

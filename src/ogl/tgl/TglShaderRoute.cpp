@@ -21,8 +21,11 @@ boost::shared_ptr<Assets::Volume const> ShaderRoute::BuiltinVolume() {
     return volume;
 }
 
-boost::shared_ptr<Shader> Tgl::GenericShader(GLSLTemplateFlags const& p_flags) {
-    return RouteShader("generic/" + p_flags.to_string(), [p_flags] { return boost::make_shared<GenericProgram>(p_flags); });
+boost::shared_ptr<Shader> Tgl::GenericShader(GLSLTemplateFlags const& p_flags) { return GenericVariant(p_flags, 0); }
+
+boost::shared_ptr<Shader> Tgl::GenericVariant(GLSLTemplateFlags const& p_flags, unsigned p_trims) {
+    return RouteShader("generic/" + p_flags.to_string() + "/" + std::to_string(p_trims),
+                       [p_flags, p_trims] { return boost::make_shared<GenericProgram>(p_flags, p_trims); });
 }
 
 boost::shared_ptr<Shader> Tgl::SimpleShader(SimpleShaderKind p_kind) {
@@ -61,7 +64,23 @@ void Tgl::RestoreRouteProgram(boost::shared_ptr<Program> const& p_program) {
 }
 
 void Tgl::CommitShaderState() {
-    if (_routeProgram && !IsFixedFunction()) _routeProgram->SendState(*_impl, _stateTracker->Uniforms());
+    if (!_routeProgram || IsFixedFunction()) return;
+    ChooseGenericTrims();
+    if (_routeProgram) _routeProgram->SendState(*_impl, _stateTracker->Uniforms());
+}
+
+// The generic shader in force draws as the twin that leaves out what the
+// state does not use. The swap is made like a shader's restore, so the
+// token of the caller's Bind still returns to what was in force before it.
+void Tgl::ChooseGenericTrims() {
+    auto const* generic = dynamic_cast<GenericProgram const*>(_routeProgram);
+    if (!generic) return;
+    StateTracker::Values const& state = _stateTracker->Current();
+    unsigned const trims = (state.lighting ? 0u : unsigned(GenericProgram::Unlit)) |
+                           (state.units[0].texture2D || state.units[1].texture2D ? 0u : unsigned(GenericProgram::Untextured));
+    if (generic->Trims() == trims) return;
+    auto const shader = boost::static_pointer_cast<ProgramShader>(GenericVariant(generic->Flags(), trims));
+    RestoreRouteProgram(shader->GetProgram());
 }
 
 }  // namespace Tev::Chart::Ogl

@@ -10,15 +10,19 @@ void main() {
     normal = HandleFragmentNormal(normal);
 #endif
 #endif
-#ifdef ENABLE_FRAGMENT_LIGHTING
+#if defined(ENABLE_FRAGMENT_LIGHTING) && defined(TGL_UNLIT)
+    vec4 color = clamp(v_color, 0.0, 1.0);
+#elif defined(ENABLE_FRAGMENT_LIGHTING)
     bool back = !gl_FrontFacing && tgl_LightModelTwoSide != 0;
     vec4 color = tgl_Lighting != 0 ? tgl_Lit(v_eyePosition, back ? -normal : normal, v_color, back)
                                    : clamp(v_color, 0.0, 1.0);
 #else
     vec4 color = gl_FrontFacing ? v_frontColor : v_backColor;
 #endif
+#ifndef TGL_UNTEXTURED
     color = tgl_TexEnv(0, color, v_texCoord0);
     color = tgl_TexEnv(1, color, v_texCoord1);
+#endif
 #ifdef HANDLE_FRAGMENT_ALPHA
     color.a = HandleFragmentAlpha(color.a);
 #endif

@@ -38,9 +38,12 @@ void main() {
     v_eyeNormal = eyeNormal;
     v_color = color;
 #endif
-#ifdef ENABLE_FRAGMENT_LIGHTING
+#if defined(ENABLE_FRAGMENT_LIGHTING)
     v_frontColor = color;
     v_backColor = color;
+#elif defined(TGL_UNLIT)
+    v_frontColor = clamp(color, 0.0, 1.0);
+    v_backColor = v_frontColor;
 #else
     if (tgl_Lighting != 0) {
         v_frontColor = tgl_Lit(eye.xyz, eyeNormal, color, false);
