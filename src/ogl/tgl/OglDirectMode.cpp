@@ -56,6 +56,7 @@ void OglDirectMode::Reset() {
     _primitive = 0;
     _isLine = false;
     _vertexCount = 0;  // _vertices keeps its room for the next Begin
+    _attributesInUse = false;
     _normals.clear();
     _colors.clear();
     _setA = TexCoordSet{};
@@ -86,10 +87,9 @@ std::uint64_t OglDirectMode::NumTexCoords(Values const& p_values, std::int32_t p
     return p_dims > 0 ? p_values.size() / static_cast<std::uint64_t>(p_dims) : 0;
 }
 
-// The hot path of Begin/End: the components written straight into room
-// made ahead, and the attribute arrays looked at only when one is in use.
-// (push_back would store the vector's end after every component.)
-void OglDirectMode::AddVertex(double const* p_components, int p_count) {
+// Writes straight into room made ahead: push_back would store the vector's
+// end after every component.
+void OglDirectMode::AddVertexGeneral(double const* p_components, int p_count) {
     if (_vertexDims < 0) {
         _vertexType = CollectedType;
         _vertexDims = p_count;
@@ -99,7 +99,7 @@ void OglDirectMode::AddVertex(double const* p_components, int p_count) {
     double* const out = _vertices.data() + at;
     for (int i = 0; i < _vertexDims; ++i) out[i] = Component(p_components, p_count, i);
     ++_vertexCount;
-    if (!_normals.empty() || !_colors.empty() || !_setA.values.empty() || !_setB.values.empty()) AdjustSizes();
+    if (_attributesInUse) AdjustSizes();
 }
 
 // The current-value rule: an attribute given once holds for every later
@@ -120,6 +120,7 @@ void OglDirectMode::AdjustSizes() {
 // A value given again before the next vertex replaces the pending one;
 // otherwise it becomes the value of the next vertex.
 void OglDirectMode::StoreCurrent(Values& p_values, int p_width, double const* p_entry) {
+    _attributesInUse = true;
     std::uint64_t const count = p_values.size() / static_cast<std::uint64_t>(p_width);
     if (count > 0 && count != NumVertices())
         std::copy(p_entry, p_entry + p_width, p_values.end() - p_width);
@@ -153,12 +154,6 @@ void OglDirectMode::MultiTexCoord(unsigned p_unit, double const* p_components, i
     else
         sentry("");
 }
-
-void OglDirectMode::Vertex(Types::Vector2d const& p_vertex) { AddVertex(Components(p_vertex).data(), 2); }
-
-void OglDirectMode::Vertex(Types::Vector3d const& p_vertex) { AddVertex(Components(p_vertex).data(), 3); }
-
-void OglDirectMode::Vertex(Types::Vector4d const& p_vertex) { AddVertex(Components(p_vertex).data(), 4); }
 
 void OglDirectMode::Vertex(float p_x, float p_y) { Vertex(Types::Vector2d(p_x, p_y)); }
 

@@ -7,6 +7,8 @@
 #include "ogl/api/Export.h"
 #include "ogl/resources/VertexArray.h"
 
+#include <glm/gtc/type_ptr.hpp>
+
 #include <QColor>
 
 #include <boost/shared_array.hpp>
@@ -33,9 +35,10 @@ public:
     // Forgets the collection and every entry.
     void Clear();
 
-    void Vertex(Types::Vector2d const& p_vertex);
-    void Vertex(Types::Vector3d const& p_vertex);
-    void Vertex(Types::Vector4d const& p_vertex);
+    // Inline, with AddVertex: Begin/End's hot path.
+    void Vertex(Types::Vector2d const& p_vertex) { AddVertex(glm::value_ptr(p_vertex), 2); }
+    void Vertex(Types::Vector3d const& p_vertex) { AddVertex(glm::value_ptr(p_vertex), 3); }
+    void Vertex(Types::Vector4d const& p_vertex) { AddVertex(glm::value_ptr(p_vertex), 4); }
     void Vertex(float p_x, float p_y);
     void Normal(Types::Vector3d const& p_normal);
     void Normal(double p_x, double p_y, double p_z);
@@ -69,7 +72,17 @@ private:
     };
 
     void Reset();
-    void AddVertex(double const* p_components, int p_count);
+    // One write into room made ahead and a count, when the vertex has the
+    // collection's dimension and no other attribute is collected; the rest
+    // goes the general way.
+    void AddVertex(double const* p_components, int p_count) {
+        std::size_t const at = std::size_t(_vertexCount) * std::size_t(p_count);
+        if (p_count != _vertexDims || _attributesInUse || at + 4 > _vertices.size())
+            return AddVertexGeneral(p_components, p_count);
+        for (int i = 0; i < p_count; ++i) _vertices[at + std::size_t(i)] = p_components[i];
+        ++_vertexCount;
+    }
+    void AddVertexGeneral(double const* p_components, int p_count);
     void StoreCurrent(Values& p_values, int p_width, double const* p_entry);
     void StoreTexCoord(TexCoordSet& p_set, double const* p_components, int p_count);
     void MultiTexCoord(unsigned p_unit, double const* p_components, int p_count);
@@ -89,6 +102,8 @@ private:
     Values _vertices;
     // Vertices collected; _vertices holds them at its front and is larger.
     std::uint64_t _vertexCount = 0;
+    // A normal, colour or texture coordinate has been collected.
+    bool _attributesInUse = false;
     Values _normals;
     Values _colors;
     TexCoordSet _setA;
