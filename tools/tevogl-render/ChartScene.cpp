@@ -285,7 +285,7 @@ void ChartScene::DrawSurface() {
     gl.PushMatrix();
     gl.LoadIdentity();
     SetUpLights();
-    _tgl.Translate({0.0, 0.0, -5.6});
+    _tgl.Translate({0.0, 0.0, -7.0});
     _tgl.Rotate(Types::Angle::FromDegrees(-58.0), {1.0, 0.0, 0.0});
     _tgl.Rotate(Types::Angle::FromDegrees(-30.0), {0.0, 0.0, 1.0});
     _tgl.Enable(TGL_DEPTH_TEST);
