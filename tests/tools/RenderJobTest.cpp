@@ -4,6 +4,7 @@
 // input gets one line and a non-zero exit, never a crash.
 #include "ChartLayout.h"
 #include "Png.h"
+#include "support/XServer.h"
 
 #include <gtest/gtest.h>
 
@@ -114,6 +115,42 @@ TEST(RenderJob, BothRoutesDrawEveryPartWhereTheLayoutPutsItAndPickTheSeries) {
     EXPECT_EQ(off, 0) << "channels more than 2/255 apart between the routes";
 }
 
+class RenderJobOnX : public XServerTest {};
+
+// The system GL on the display, through a GLX pbuffer.
+TEST_F(RenderJobOnX, SystemGlDrawsTheChart) {
+    std::string const png = (Scratch / "system.png").string();
+    Result const result = RunJob("--system --size 720x450 --out " + png);
+    ASSERT_EQ(result.status, 0) << result.err;
+    ExpectChart(ReadPng(png), ChartLayout(Width, Height));
+}
+
+// What lies nearest under a pixel is listed first: the legend over the
+// plot, a marker over the grid, a row of the surface by its sub-name, and
+// nothing in an empty margin.
+TEST(RenderJob, PicksTheNearestPartFirst) {
+    ChartLayout const layout(Width, Height);
+    glm::dvec2 const marker = layout.ToPixel(ScatterData()[0]);
+    Rect const& surface = layout.surface;
+    struct Row {
+        glm::ivec2 pixel;  // from the bottom
+        std::string first;  // the first line after the pick's heading
+    } const rows[] = {
+        {{layout.legend.x + 4, layout.legend.y + 4}, "  legend      name(7) subname() "},
+        {{int(marker.x), int(marker.y)}, "  scatter     name(5) subname() "},
+        {{surface.x + surface.width / 2, surface.y + surface.height / 2}, "  surface     name(6) subname("},
+        {{4, Height - 4}, "wrote "},
+    };
+    for (Row const& row : rows) {
+        std::string const pick = std::to_string(row.pixel.x) + "," + std::to_string(Height - 1 - row.pixel.y);
+        Result const result = RunJob("--size 720x450 --out " + (Scratch / "pick.png").string() + " --pick " + pick);
+        EXPECT_EQ(result.status, 0) << pick;
+        std::size_t const heading = result.out.find(", nearest first\n");
+        ASSERT_NE(heading, std::string::npos) << result.out;
+        EXPECT_EQ(result.out.substr(heading + 16, row.first.size()), row.first) << pick << "\n" << result.out;
+    }
+}
+
 // Each bad input gets its one line on standard error before the usage text
 // or instead of the picture.
 TEST(RenderJobInput, BadInputGetsOneClearLineAndANonZeroExit) {
@@ -138,8 +175,13 @@ TEST(RenderJobInput, BadInputGetsOneClearLineAndANonZeroExit) {
         EXPECT_EQ(result.err.substr(0, result.err.find('\n')), row.firstLine) << row.arguments;
     }
     EXPECT_EQ(RunJob("--help").status, 0);
-    std::filesystem::remove_all(Scratch);
 }
+
+// The scratch folder goes when the process's tests are done.
+struct RemoveScratch : ::testing::Environment {
+    void TearDown() override { std::filesystem::remove_all(Scratch); }
+};
+::testing::Environment* const removeScratch = ::testing::AddGlobalTestEnvironment(new RemoveScratch);
 
 }  // namespace
 }  // namespace Tev::Test
