@@ -25,6 +25,10 @@ struct TEVOGL_API ImplementationFiles {
     std::string glu;            // the GLU library
     std::string gluPackage;
     std::string procAddress;    // the extension lookup, exported by gl
+    // Windows Mesa: the prefix its every GL, GLU and wgl name carries ("m"),
+    // and the library that exports the OSMesa functions (looked up after gl).
+    std::string prefix;
+    std::string osmesa;
     // Mesa only: load into a new link-map namespace, this library first.
     bool privateNamespace = false;
     std::string namespaceShim;
@@ -51,6 +55,8 @@ public:
     bool IsSystem() const { return _files.isSystem; }
     ImplementationFiles const& Files() const { return _files; }
 
+    // The implementation's own name of a GL, GLU or wgl entry.
+    std::string EntryName(char const* p_symbol) const { return _files.prefix + p_symbol; }
     void* FindGl(char const* p_symbol) const;
     void* FindGlu(char const* p_symbol) const;
     // Null when the library does not export it.
