@@ -25,13 +25,13 @@ struct TEVOGL_API ImplementationFiles {
     std::string glu;            // the GLU library
     std::string gluPackage;
     std::string procAddress;    // the extension lookup, exported by gl
+    // Mesa only: load into a new link-map namespace, this library first.
+    bool privateNamespace = false;
+    std::string namespaceShim;
     // Windows Mesa: the prefix its every GL, GLU and wgl name carries ("m"),
     // and the library that exports the OSMesa functions (looked up after gl).
     std::string prefix;
     std::string osmesa;
-    // Mesa only: load into a new link-map namespace, this library first.
-    bool privateNamespace = false;
-    std::string namespaceShim;
 
     static ImplementationFiles System();
     static ImplementationFiles Mesa();
