@@ -3,7 +3,7 @@
 # emulation and the Linux loader. Included from src/CMakeLists.txt.
 list(FILTER TEVOGL_SOURCES EXCLUDE REGEX
   "/device/glx/|/api/shim/|/osmesa/MesaWindowSystem\\.cpp$|/api/GlImplementation\\.cpp$|/device/(OsApi|DisplayHnd)\\.cpp$")
-add_library(tevogl SHARED ${TEVOGL_SOURCES})
+add_library(tevogl SHARED ${TEVOGL_SOURCES} ${TEVOGL_EMBEDDED_SHADERS})
 target_include_directories(tevogl PUBLIC ${CMAKE_CURRENT_SOURCE_DIR})
 target_compile_definitions(tevogl PRIVATE TEVOGL_BUILDING)
 # Windows 7 is the oldest system the backend calls into.

@@ -144,7 +144,7 @@ TEST_F(TglState, LightsMaterialAndAttributeStackAsTranscribed) {
     {
         Tgl::Token const bound = tgl().Bind(boost::make_shared<NamedProgram>(tgl().Api(), 7));
         tgl().Color(QColor(Qt::blue)), tgl().Normal(Vector3d(1, 0, 0)), tgl().Material(material);
-        _fake.Step("a program bound: colour, normal and material are only kept");
+        _fake.Step("a program bound: the material is only kept; colour and normal, current vertex values in both routes, go to GL");
         _fake.Tracked({"color", "normal", "material front shininess", "material back shininess"});
     }
     {

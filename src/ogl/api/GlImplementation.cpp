@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <array>
 #include <filesystem>
+#include <mutex>
 #include <vector>
 
 namespace Tev::Chart::Ogl::Detail {
@@ -18,6 +19,8 @@ struct GlImplementation::Handles {
     void* gl = nullptr;
     void* glu = nullptr;
     void* shim = nullptr;
+    void* ftgl = nullptr;
+    std::once_flag ftglOnce;
     Lmid_t lmid = LM_ID_BASE;
     using CtypeInit = void (*)();
     CtypeInit ctypeInit = nullptr;
@@ -33,6 +36,8 @@ ImplementationFiles ImplementationFiles::System() {
     files.glu = "libGLU.so.1";
     files.gluPackage = "libglu1-mesa";
     files.procAddress = "glXGetProcAddressARB";
+    files.ftgl = "libftgl.so.2";
+    files.ftglPackage = "libftgl2";
     return files;
 }
 
@@ -45,14 +50,15 @@ ImplementationFiles ImplementationFiles::Mesa() {
     files.procAddress = "OSMesaGetProcAddress";
     files.privateNamespace = true;
     files.namespaceShim = DefaultNamespaceShim();
+    files.ftglShim = DefaultNamespaceShim("libGL.so.1");
     return files;
 }
 
-std::string DefaultNamespaceShim() {
+std::string DefaultNamespaceShim(std::string const& p_name) {
     Dl_info info{};
     if (!dladdr(reinterpret_cast<void*>(&DefaultNamespaceShim), &info) || !info.dli_fname) return {};
     std::filesystem::path const library = info.dli_fname;
-    return (library.parent_path() / TEVOGL_PRIVATE_DIR / "libOpenGL.so.0").string();
+    return (library.parent_path() / TEVOGL_PRIVATE_DIR / p_name).string();
 }
 
 namespace {
@@ -101,6 +107,7 @@ GlImplementation::~GlImplementation() {
     // A private namespace cannot be given back reliably once Mesa's LLVM has
     // run in it; its libraries stay loaded.
     if (_files.privateNamespace) return;
+    if (_handles->ftgl) dlclose(_handles->ftgl);
     if (_handles->glu) dlclose(_handles->glu);
     if (_handles->gl) dlclose(_handles->gl);
 }
@@ -118,6 +125,24 @@ GlImplementation const& GlImplementation::Mesa() {
 void* GlImplementation::FindGl(char const* p_symbol) const { return dlsym(_handles->gl, p_symbol); }
 
 void* GlImplementation::FindGlu(char const* p_symbol) const { return dlsym(_handles->glu, p_symbol); }
+
+// FTGL names libGL.so.1, which in the Mesa namespace would otherwise load
+// GLVND's dispatcher there beside OSMesa. The shim of that name, loaded
+// first, keeps it out: the only GL library in the namespace is OSMesa, so
+// FTGL's GL references bind to OSMesa whatever the lookup order.
+void* GlImplementation::FindFtgl(char const* p_symbol) const {
+    Handles& h = *_handles;
+    std::call_once(h.ftglOnce, [this, &h] {
+        try {
+            Lmid_t* const lmid = _files.privateNamespace ? &h.lmid : nullptr;
+            if (lmid) Open(lmid, _files.ftglShim, "");
+            h.ftgl = Open(lmid, _files.ftgl, _files.ftglPackage);
+        } catch (IncompleteOglImpl const& p_error) {
+            Debug::derr() << "Texture fonts are unavailable: " << p_error.what();
+        }
+    });
+    return h.ftgl ? dlsym(h.ftgl, p_symbol) : nullptr;
+}
 
 // Workaround "namespace-environ": the namespace's libc takes the process's
 // environment array once, when the namespace is loaded. A setenv after that

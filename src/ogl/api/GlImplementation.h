@@ -28,6 +28,12 @@ struct TEVOGL_API ImplementationFiles {
     // Mesa only: load into a new link-map namespace, this library first.
     bool privateNamespace = false;
     std::string namespaceShim;
+    // Texture fonts, opened on first use only: an implementation without
+    // them still draws everything else.
+    std::string ftgl;
+    std::string ftglPackage;
+    // Mesa only: the libGL.so.1 that FTGL needs, resolving to OSMesa.
+    std::string ftglShim;
     // Windows Mesa: the prefix its every GL, GLU and wgl name carries ("m"),
     // and the library that exports the OSMesa functions (looked up after gl).
     std::string prefix;
@@ -59,6 +65,9 @@ public:
     std::string EntryName(char const* p_symbol) const { return _files.prefix + p_symbol; }
     void* FindGl(char const* p_symbol) const;
     void* FindGlu(char const* p_symbol) const;
+    // Opens FTGL on the first call; null, with one report per
+    // implementation, when it cannot be opened.
+    void* FindFtgl(char const* p_symbol) const;
     // Null when the library does not export it.
     ProcAddressFn ProcAddressFunction() const { return _procAddress; }
 
@@ -77,8 +86,8 @@ private:
     ProcAddressFn _procAddress = nullptr;
 };
 
-// Where the libOpenGL.so.0 shim of the Mesa namespace lives: the private
-// folder beside the library binary.
-std::string DefaultNamespaceShim();
+// Where the shims of the Mesa namespace live (libOpenGL.so.0 for GLU,
+// libGL.so.1 for FTGL): the private folder beside the library binary.
+std::string DefaultNamespaceShim(std::string const& p_name = "libOpenGL.so.0");
 
 }  // namespace Tev::Chart::Ogl::Detail

@@ -55,7 +55,7 @@ std::map<unsigned, unsigned> const& OglDirectMode::PrimitivesMap() {
 void OglDirectMode::Reset() {
     _primitive = 0;
     _isLine = false;
-    _vertices.clear();
+    _vertexCount = 0;  // _vertices keeps its room for the next Begin
     _normals.clear();
     _colors.clear();
     _setA = TexCoordSet{};
@@ -78,7 +78,7 @@ void OglDirectMode::Clear() {
     VertexArray::Clear();
 }
 
-std::uint64_t OglDirectMode::NumVertices() const { return NumTexCoords(_vertices, _vertexDims); }
+std::uint64_t OglDirectMode::NumVertices() const { return _vertexCount; }
 std::uint64_t OglDirectMode::NumNormals() const { return _normals.size() / 3; }
 std::uint64_t OglDirectMode::NumColors() const { return _colors.size() / 4; }
 
@@ -86,13 +86,20 @@ std::uint64_t OglDirectMode::NumTexCoords(Values const& p_values, std::int32_t p
     return p_dims > 0 ? p_values.size() / static_cast<std::uint64_t>(p_dims) : 0;
 }
 
+// The hot path of Begin/End: the components written straight into room
+// made ahead, and the attribute arrays looked at only when one is in use.
+// (push_back would store the vector's end after every component.)
 void OglDirectMode::AddVertex(double const* p_components, int p_count) {
     if (_vertexDims < 0) {
         _vertexType = CollectedType;
         _vertexDims = p_count;
     }
-    for (int i = 0; i < _vertexDims; ++i) _vertices.push_back(Component(p_components, p_count, i));
-    AdjustSizes();
+    std::size_t const at = std::size_t(_vertexCount) * std::size_t(_vertexDims);
+    if (at + 4 > _vertices.size()) _vertices.resize(std::max<std::size_t>(1024, 2 * _vertices.size()));
+    double* const out = _vertices.data() + at;
+    for (int i = 0; i < _vertexDims; ++i) out[i] = Component(p_components, p_count, i);
+    ++_vertexCount;
+    if (!_normals.empty() || !_colors.empty() || !_setA.values.empty() || !_setB.values.empty()) AdjustSizes();
 }
 
 // The current-value rule: an attribute given once holds for every later

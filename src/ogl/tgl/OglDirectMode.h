@@ -87,6 +87,8 @@ private:
     unsigned _primitive = 0;
     bool _isLine = false;
     Values _vertices;
+    // Vertices collected; _vertices holds them at its front and is larger.
+    std::uint64_t _vertexCount = 0;
     Values _normals;
     Values _colors;
     TexCoordSet _setA;

@@ -6,7 +6,9 @@
 #include "ogl/tgl/ColorComponents.h"
 
 #include <algorithm>
+#include <cmath>
 #include <iomanip>
+#include <utility>
 
 namespace Tev::Chart::Ogl {
 
@@ -28,6 +30,12 @@ struct LightParam : Param {
 struct MaterialParam : Param {
     QColor Material::*colour;  // null for the shininess
 };
+
+// GL_MATRIX_MODE, which callers never pass and so is no exported token.
+constexpr GLenum MatrixModeQuery = 0x0BA0;
+// GL_RESCALE_NORMAL and GL_TRANSFORM_BIT, for the same reason.
+constexpr unsigned RescaleNormal = 0x803A;
+constexpr unsigned TransformBit = 0x1000;
 
 constexpr std::array<float, 4> Black{0, 0, 0, 1};
 constexpr std::array<float, 4> White{1, 1, 1, 1};
@@ -97,6 +105,13 @@ StateTracker::StateTracker(OglApi const& p_gl, int p_lights, int p_textureUnits,
     _values.colorMaterialMode = Tokens::TGL_AMBIENT_AND_DIFFUSE;
     _values.color = White;
     _values.normal = {0.0, 0.0, 1.0};
+    for (int light = 0; light < TrackedLights; ++light) {
+        _values.eyePositions[light] = {0, 0, 1, 0};
+        _values.eyeSpotDirections[light] = {0, 0, -1};
+    }
+    _values.lightEnabled = {};
+    for (int unit = 0; unit < TrackedUnits; ++unit) _uniforms.Assign(ShaderUniforms::UnitSlot(unit, ShaderUniforms::Sampler), float(unit));
+    Publish();
     // The entry table has no light entries; a driver that cannot name them
     // gets its lights through the shader route only. A table without a
     // lookup (a test double) has nothing to report.
@@ -109,12 +124,38 @@ void StateTracker::SetLight(int p_light, unsigned p_param, float const* p_values
     if (!ensure(param && param->count == p_count)) return;
     if (p_light < 0 || p_light >= TrackedLights) return;
     std::copy_n(p_values, p_count, _values.lights[p_light].begin() + param->offset);
-    if (PassOn() && _lightfv) _lightfv(Tokens::TGL_LIGHT0 + p_light, p_param, p_values);
+    SetEyeValues(p_light, p_param);
+    if (PassOn()) {
+        if (_lightfv) _lightfv(Tokens::TGL_LIGHT0 + p_light, p_param, p_values);
+    } else {
+        Changed();
+    }
+    PublishLight(p_light);
+}
+
+// GL transforms a position and a spot direction by the model-view matrix in
+// force when they are set, and keeps the result; so does the tracker.
+void StateTracker::SetEyeValues(int p_light, unsigned p_param) {
+    bool const position = p_param == Tokens::TGL_POSITION;
+    if (!position && p_param != Tokens::TGL_SPOT_DIRECTION) return;
+    double m[16] = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1};
+    _gl.GetDoublev(Tokens::TGL_MODELVIEW_MATRIX, m);
+    LightValues const& light = _values.lights[p_light];
+    float const* const v = light.data() + (position ? 12 : 16);
+    double const w = position ? v[3] : 0.0;
+    std::array<float, 4> eye{};
+    for (int row = 0; row < 4; ++row)
+        eye[row] = float(m[row] * v[0] + m[4 + row] * v[1] + m[8 + row] * v[2] + m[12 + row] * w);
+    if (position)
+        _values.eyePositions[p_light] = eye;
+    else
+        _values.eyeSpotDirections[p_light] = {eye[0], eye[1], eye[2]};
 }
 
 void StateTracker::SetLightModelAmbient(std::array<float, 4> const& p_ambient) {
     _values.lightModelAmbient = p_ambient;
     if (PassOn() && _lightModelfv) _lightModelfv(Tokens::TGL_LIGHT_MODEL_AMBIENT, p_ambient.data());
+    Changed();
 }
 
 void StateTracker::SetLightModel(unsigned p_param, bool p_enabled) {
@@ -126,6 +167,7 @@ void StateTracker::SetLightModel(unsigned p_param, bool p_enabled) {
         return;
     float const value = p_enabled ? 1.0f : 0.0f;
     if (PassOn() && _lightModelfv) _lightModelfv(p_param, &value);
+    Changed();
 }
 
 void StateTracker::SetMaterialFace(int p_face, Material const& p_material) {
@@ -145,6 +187,7 @@ void StateTracker::SetMaterial(Material const& p_material) {
     if (!ensure(front || back)) return;
     if (front) SetMaterialFace(0, p_material);
     if (back) SetMaterialFace(1, p_material);
+    Changed();
     if (!PassOn()) return;
     MaterialValues const& values = _values.materials[front ? 0 : 1];
     for (MaterialParam const& param : MaterialParams) _gl.Materialfv(face, *param.token, values.data() + param.offset);
@@ -154,16 +197,166 @@ void StateTracker::SetColorMaterial(unsigned p_face, unsigned p_mode) {
     _values.colorMaterialFace = p_face;
     _values.colorMaterialMode = p_mode;
     if (PassOn()) _gl.ColorMaterial(p_face, p_mode);
+    Changed();
 }
 
 void StateTracker::SetColor(std::array<float, 4> const& p_color) {
     _values.color = p_color;
-    if (PassOn()) _gl.Color4f(p_color[0], p_color[1], p_color[2], p_color[3]);
+    _gl.Color4f(p_color[0], p_color[1], p_color[2], p_color[3]);
 }
 
 void StateTracker::SetNormal(std::array<double, 3> const& p_normal) {
     _values.normal = p_normal;
-    if (PassOn()) _gl.Normal3d(p_normal[0], p_normal[1], p_normal[2]);
+    _gl.Normal3d(p_normal[0], p_normal[1], p_normal[2]);
+}
+
+// GL has the switch already (the facade passes it on in both routes).
+void StateTracker::SetCapability(unsigned p_capability, bool p_enabled, int p_unit) {
+    int const light = int(p_capability) - int(Tokens::TGL_LIGHT0);
+    bool const shaderRoute = !PassOn();
+    if (p_capability == Tokens::TGL_LIGHTING) {
+        _values.lighting = p_enabled;
+    } else if (p_capability == Tokens::TGL_COLOR_MATERIAL) {
+        _values.colorMaterial = p_enabled;
+    } else if (p_capability == Tokens::TGL_NORMALIZE || p_capability == RescaleNormal) {
+        _values.normalize = p_enabled;
+    } else if (light >= 0 && light < 8) {
+        if (light < TrackedLights)
+            _values.lightEnabled[light] = p_enabled;
+        else if (p_enabled && shaderRoute && !std::exchange(_reportedLight, true))
+            Debug::derr() << "WARNING: the shader route has " << TrackedLights << " lights; GL_LIGHT" << light
+                          << " is left out";
+    } else if (p_capability == Tokens::TGL_TEXTURE_2D && p_unit >= 0) {
+        if (p_unit < TrackedUnits)
+            _values.units[p_unit].texture2D = p_enabled;
+        else if (p_enabled && shaderRoute && !std::exchange(_reportedUnit, true))
+            Debug::derr() << "WARNING: the shader route has " << TrackedUnits << " texture units; unit " << p_unit
+                          << " is left out";
+    } else {
+        return;
+    }
+    Publish();
+}
+
+void StateTracker::SetTexEnvMode(int p_unit, unsigned p_mode) {
+    if (p_unit < 0 || p_unit >= TrackedUnits) return;
+    _values.units[p_unit].envMode = p_mode;
+    Publish();
+}
+
+void StateTracker::SetTexEnvColor(int p_unit, std::array<float, 4> const& p_color) {
+    if (p_unit < 0 || p_unit >= TrackedUnits) return;
+    _values.units[p_unit].envColor = p_color;
+    Publish();
+}
+
+void StateTracker::Changed() {
+    if (!PassOn()) _fixedFunctionStale = true;
+    Publish();
+}
+
+void StateTracker::PublishLight(int p_light) {
+    using U = ShaderUniforms;
+    LightValues const& light = _values.lights[p_light];
+    auto const vec = [&light](int p_offset) { return U::Value{light[p_offset], light[p_offset + 1], light[p_offset + 2], light[p_offset + 3]}; };
+    auto const slot = [p_light](U::LightField p_field) { return U::LightSlot(p_light, p_field); };
+    _uniforms.Assign(slot(U::Ambient), vec(0));
+    _uniforms.Assign(slot(U::Diffuse), vec(4));
+    _uniforms.Assign(slot(U::Specular), vec(8));
+    _uniforms.Assign(slot(U::Position), _values.eyePositions[p_light]);
+    auto const& direction = _values.eyeSpotDirections[p_light];
+    _uniforms.Assign(slot(U::SpotDirection), U::Value{direction[0], direction[1], direction[2], 0});
+    _uniforms.Assign(slot(U::SpotExponent), light[19]);
+    float const cutoff = light[20];
+    _uniforms.Assign(slot(U::SpotCosCutoff), cutoff >= 180.0f ? -1.0f : float(std::cos(cutoff * M_PI / 180.0)));
+    _uniforms.Assign(slot(U::Attenuation), U::Value{light[21], light[22], light[23], 0});
+    _uniforms.Assign(slot(U::LightEnabled), _values.lightEnabled[p_light] ? 1.0f : 0.0f);
+}
+
+namespace {
+
+// The material colours colour material replaces, as ShaderUniforms'
+// bit set for one face.
+int ColorMaterialBits(unsigned p_mode) {
+    if (p_mode == Tokens::TGL_AMBIENT) return 1;
+    if (p_mode == Tokens::TGL_DIFFUSE) return 2;
+    if (p_mode == Tokens::TGL_SPECULAR) return 4;
+    if (p_mode == Tokens::TGL_EMISSION) return 8;
+    return p_mode == Tokens::TGL_AMBIENT_AND_DIFFUSE ? 3 : 0;
+}
+
+// Environment modes as the shader numbers them; a mode it does not
+// emulate modulates.
+int EnvModeCode(unsigned p_mode) {
+    if (p_mode == Tokens::TGL_REPLACE) return 2;
+    if (p_mode == Tokens::TGL_DECAL) return 3;
+    if (p_mode == Tokens::TGL_ADD) return 4;
+    if (p_mode == Tokens::TGL_BLEND) return 5;
+    return 1;
+}
+
+}  // namespace
+
+void StateTracker::Publish() {
+    using U = ShaderUniforms;
+    for (int light = 0; light < TrackedLights; ++light) PublishLight(light);
+    _uniforms.Assign(U::Lighting, _values.lighting ? 1.0f : 0.0f);
+    _uniforms.Assign(U::LightModelAmbient, _values.lightModelAmbient);
+    _uniforms.Assign(U::LightModelTwoSide, _values.lightModelTwoSide ? 1.0f : 0.0f);
+    _uniforms.Assign(U::LightModelLocalViewer, _values.lightModelLocalViewer ? 1.0f : 0.0f);
+    _uniforms.Assign(U::Normalize, _values.normalize ? 1.0f : 0.0f);
+    for (int face = 0; face < 2; ++face) {
+        MaterialValues const& m = _values.materials[face];
+        for (int field = 0; field < 4; ++field)
+            _uniforms.Assign(U::MaterialSlot(face, U::MaterialField(field)),
+                             U::Value{m[field * 4], m[field * 4 + 1], m[field * 4 + 2], m[field * 4 + 3]});
+        _uniforms.Assign(U::MaterialSlot(face, U::MaterialShininess), m[16]);
+    }
+    int const bits = ColorMaterialBits(_values.colorMaterialMode);
+    unsigned const face = _values.colorMaterialFace;
+    int const front = face == Tokens::TGL_FRONT || face == Tokens::TGL_FRONT_AND_BACK ? bits : 0;
+    int const back = face == Tokens::TGL_BACK || face == Tokens::TGL_FRONT_AND_BACK ? bits << 4 : 0;
+    _uniforms.Assign(U::ColorMaterial, _values.colorMaterial ? float(front | back) : 0.0f);
+    for (int unit = 0; unit < TrackedUnits; ++unit) {
+        Unit const& u = _values.units[unit];
+        _uniforms.Assign(U::UnitSlot(unit, U::TexEnvMode), u.texture2D ? float(EnvModeCode(u.envMode)) : 0.0f);
+        _uniforms.Assign(U::UnitSlot(unit, U::TexEnvColor), u.envColor);
+    }
+}
+
+// Positions and spot directions go in eye coordinates, under an identity
+// model-view matrix, since the one they were set under may be gone.
+void StateTracker::SendLight(int p_light) {
+    LightValues const& light = _values.lights[p_light];
+    unsigned const token = Tokens::TGL_LIGHT0 + unsigned(p_light);
+    for (LightParam const& param : LightParams) {
+        float const* values = light.data() + param.offset;
+        if (*param.token == Tokens::TGL_POSITION) values = _values.eyePositions[p_light].data();
+        if (*param.token == Tokens::TGL_SPOT_DIRECTION) values = _values.eyeSpotDirections[p_light].data();
+        _lightfv(token, *param.token, values);
+    }
+}
+
+void StateTracker::SyncFixedFunction() {
+    if (!std::exchange(_fixedFunctionStale, false) || !_lightfv || !_lightModelfv) return;
+    GLint matrixMode = GLint(Tokens::TGL_MODELVIEW);
+    _gl.GetIntegerv(MatrixModeQuery, &matrixMode);
+    _gl.MatrixMode(Tokens::TGL_MODELVIEW);
+    _gl.PushMatrix();
+    _gl.LoadIdentity();
+    for (int light = 0; light < TrackedLights; ++light) SendLight(light);
+    _gl.PopMatrix();
+    _gl.MatrixMode(GLenum(matrixMode));
+    _lightModelfv(Tokens::TGL_LIGHT_MODEL_AMBIENT, _values.lightModelAmbient.data());
+    float const twoSide = _values.lightModelTwoSide ? 1.0f : 0.0f;
+    float const localViewer = _values.lightModelLocalViewer ? 1.0f : 0.0f;
+    _lightModelfv(Tokens::TGL_LIGHT_MODEL_TWO_SIDE, &twoSide);
+    _lightModelfv(Tokens::TGL_LIGHT_MODEL_LOCAL_VIEWER, &localViewer);
+    for (int face = 0; face < 2; ++face)
+        for (MaterialParam const& param : MaterialParams)
+            _gl.Materialfv(face == 0 ? Tokens::TGL_FRONT : Tokens::TGL_BACK, *param.token,
+                           _values.materials[face].data() + param.offset);
+    _gl.ColorMaterial(_values.colorMaterialFace, _values.colorMaterialMode);
 }
 
 void StateTracker::PushAttrib(unsigned p_mask) { _saved.push_back(Saved{p_mask, _values}); }
@@ -172,18 +365,41 @@ void StateTracker::PopAttrib() {
     if (_saved.empty()) return;
     Saved const saved = _saved.back();
     _saved.pop_back();
-    if (saved.mask & Tokens::TGL_LIGHTING_BIT) {
-        _values.lights = saved.values.lights;
-        _values.lightModelAmbient = saved.values.lightModelAmbient;
-        _values.lightModelTwoSide = saved.values.lightModelTwoSide;
-        _values.lightModelLocalViewer = saved.values.lightModelLocalViewer;
-        _values.materials = saved.values.materials;
-        _values.colorMaterialFace = saved.values.colorMaterialFace;
-        _values.colorMaterialMode = saved.values.colorMaterialMode;
+    RestoreGroups(saved.mask, saved.values);
+    Publish();
+}
+
+// The groups as GL's own attribute bits cover them: the lighting bit takes
+// the lighting switches with it, the texture bit the environments.
+void StateTracker::RestoreGroups(unsigned p_mask, Values const& p_saved) {
+    if (p_mask & Tokens::TGL_LIGHTING_BIT) {
+        _values.lights = p_saved.lights;
+        _values.eyePositions = p_saved.eyePositions;
+        _values.eyeSpotDirections = p_saved.eyeSpotDirections;
+        _values.lightModelAmbient = p_saved.lightModelAmbient;
+        _values.lightModelTwoSide = p_saved.lightModelTwoSide;
+        _values.lightModelLocalViewer = p_saved.lightModelLocalViewer;
+        _values.materials = p_saved.materials;
+        _values.colorMaterialFace = p_saved.colorMaterialFace;
+        _values.colorMaterialMode = p_saved.colorMaterialMode;
     }
-    if (saved.mask & Tokens::TGL_CURRENT_BIT) {
-        _values.color = saved.values.color;
-        _values.normal = saved.values.normal;
+    if (p_mask & (TransformBit | Tokens::TGL_ENABLE_BIT)) _values.normalize = p_saved.normalize;
+    if (p_mask & (Tokens::TGL_LIGHTING_BIT | Tokens::TGL_ENABLE_BIT)) {
+        _values.lighting = p_saved.lighting;
+        _values.lightEnabled = p_saved.lightEnabled;
+        _values.colorMaterial = p_saved.colorMaterial;
+    }
+    for (int unit = 0; unit < TrackedUnits; ++unit) {
+        if (p_mask & (Tokens::TGL_TEXTURE_BIT | Tokens::TGL_ENABLE_BIT))
+            _values.units[unit].texture2D = p_saved.units[unit].texture2D;
+        if (p_mask & Tokens::TGL_TEXTURE_BIT) {
+            _values.units[unit].envMode = p_saved.units[unit].envMode;
+            _values.units[unit].envColor = p_saved.units[unit].envColor;
+        }
+    }
+    if (p_mask & Tokens::TGL_CURRENT_BIT) {
+        _values.color = p_saved.color;
+        _values.normal = p_saved.normal;
     }
 }
 

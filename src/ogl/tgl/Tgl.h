@@ -60,9 +60,12 @@ class OglDebug;
 class PooledBuffer;
 class Shader;
 class StateTracker;
+class RouteProgram;
+struct ShaderRoute;
 class TglResource;
 class DisplayList;
 class PrimitiveBuffer;
+class Text;
 class Texture;
 
 class TEVOGL_API Tgl {
@@ -224,6 +227,34 @@ public:
     // a draw has to bind buffers to.
     std::vector<Utility::HashedString> GetBuiltinAttributeBuffers() const;
 
+    // ---- The shader route: the library's own shaders, drawn with the
+    // state tracker's values as uniforms. To draw through one:
+    //
+    //     Tgl::Token const shader = tgl.Bind(tgl.GenericShader());
+    //     ... Begin/End, lights, material, textures as in fixed-function mode
+    //
+    // Releasing the token returns to the shader (or fixed-function mode) in
+    // force before. The shaders are compiled on first request and kept.
+
+    // The simple shaders: the vertex colour alone, or combined with unit 0's
+    // texture by that unit's environment mode.
+    enum class SimpleShaderKind { FlatColor, Textured };
+    // The general-purpose shader in the variant p_flags select. A variant
+    // that does not compile (its log is on the "GLSL" channel) leaves the
+    // facade in fixed-function mode while it is bound.
+    boost::shared_ptr<Shader> GenericShader(GLSLTemplateFlags const& p_flags = GLSLTemplateFlags());
+    boost::shared_ptr<Shader> SimpleShader(SimpleShaderKind p_kind);
+    // Files of p_volume take the place of the built-in shader files of the
+    // same path; every shader is rebuilt from the new set when it is next
+    // bound. A null volume returns to the built-in files alone.
+    void SetShaderVolume(boost::shared_ptr<Assets::Volume const> p_volume);
+    // The built-in files, overlaid by the caller's volume.
+    Assets::Volume const& ShaderVolume() const;
+    // Sends the state tracker's changed values to the shader-route program
+    // in force. End() and Bind(VertexBuffer) do it themselves; a caller
+    // that draws with GL directly calls it first.
+    void CommitShaderState();
+
     // Binds p_buffer to the indexed binding p_index of p_target
     // (TGL_SHADER_STORAGE_BUFFER, ...) until the token goes; the token keeps
     // the buffer.
@@ -300,6 +331,14 @@ public:
     // p_count lists with consecutive names; none when the driver has no
     // range that long.
     std::vector<boost::shared_ptr<DisplayList>> GenDisplayLists(int p_count);
+
+    // ---- Text
+
+    // A texture font of p_pixelSize pixels from the first of p_fontFiles
+    // that loads; an empty list takes the default font (DejaVu Sans). None
+    // loading is reported per file and gives a text that is not valid and
+    // draws nothing.
+    boost::shared_ptr<Text> GenFont(std::vector<std::string> const& p_fontFiles, unsigned p_pixelSize);
 
     // ---- Transforms
 
@@ -396,6 +435,12 @@ private:
     friend class Shader;
 
     void RestoreProgram(boost::shared_ptr<Program> const& p_program);
+    // Rebuilds a stale shader-route program first; a program that did not
+    // compile puts the fixed-function pipeline in force instead.
+    void RestoreRouteProgram(boost::shared_ptr<Program> const& p_program);
+    // The shader-route program of p_key, made by p_make on first request.
+    boost::shared_ptr<Shader> RouteShader(std::string const& p_key,
+                                          boost::function<boost::shared_ptr<RouteProgram>()> const& p_make);
     void UnbindProgram();
     // Links p_object if it is stale, and makes it GL's current program.
     static void UseObject(ProgramObject& p_object);
@@ -448,6 +493,9 @@ private:
     std::unique_ptr<StateTracker> _stateTracker;
     boost::shared_ptr<Program> _boundProgram;
     boost::shared_ptr<Program> _fixedFunction;
+    // The program in force when it is one of the shader route's, else null.
+    RouteProgram* _routeProgram = nullptr;
+    std::unique_ptr<ShaderRoute> _shaderRoute;
     // Keeps the placeholder bound for the facade's life.
     Token _fixedFunctionToken;
     // The programs in force before each Bind still open.

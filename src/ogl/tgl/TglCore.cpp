@@ -9,6 +9,7 @@
 #include "ogl/resources/BufferPool.h"
 #include "ogl/shaders/Program.h"
 #include "ogl/tgl/FBOApi.h"
+#include "ogl/tgl/ShaderRoute.h"
 #include "ogl/tgl/StateTracker.h"
 #include "ogl/tgl/TglHotEntries.h"
 #include "ogl/tgl/UndoOperationFallback.h"
@@ -37,6 +38,7 @@ Tgl::Tgl(OglApi const& p_api, DeviceFeatureMask const& p_requested)
     _features = _supportedFeatures.Restricted(p_requested);
     _stateTracker = std::make_unique<StateTracker>(*_impl, _limits.lights, _limits.textureUnitsFragment,
                                                    [this] { return IsFixedFunction(); });
+    _shaderRoute = std::make_unique<ShaderRoute>();
     _fixedFunction = boost::make_shared<FixedFunction>(*_impl);
     _fixedFunctionToken = Bind(_fixedFunction);
 
@@ -59,7 +61,9 @@ Tgl::~Tgl() {
     Debug::dlog() << "Deallocate Tgl";
     _fixedFunctionToken.reset();
     _boundProgram.reset();
+    _routeProgram = nullptr;
     _fixedFunction.reset();
+    _shaderRoute.reset();
     _stateTracker.reset();
     _debug.reset();
     _bufferPool.reset();
@@ -162,6 +166,7 @@ void Tgl::End() {
     _inBeginEnd = false;
     _pixelFunction = &Tgl::PixelDefault;
     Utility::Scoped<Tgl> scoped(*this);
+    CommitShaderState();
     _directMode.End(scoped);
     _directMode.Clear();
     _stateTracker->OnPrimitiveEnd();

@@ -27,6 +27,7 @@ Tgl::Token Tgl::Bind(boost::shared_ptr<VertexBuffer> const& p_buffer) {
     VertexBuffer& _instance = *p_buffer;
     if (ensure(_instance.IsValid())) _instance.Bind();
     if (_instance.SelectsClientUnits()) _hot->ClientActiveTexture(_clientActiveTexture);
+    CommitShaderState();
     boost::weak_ptr<VertexBuffer> const weak = p_buffer;
     return MakeToken([weak](Tgl& p_tgl) {
         auto const buffer = weak.lock();

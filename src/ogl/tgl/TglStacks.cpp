@@ -5,6 +5,7 @@
 #include "ogl/api/OglApi.h"
 #include "ogl/api/Tokens.h"
 #include "ogl/shaders/Program.h"
+#include "ogl/shaders/RouteProgram.h"
 #include "ogl/tgl/PixelRect.h"
 #include "ogl/tgl/StateTracker.h"
 #include "ogl/tgl/TglHotEntries.h"
@@ -132,7 +133,10 @@ void Tgl::RestoreProgram(boost::shared_ptr<Program> const& p_program) {
     bool const needsSwitch = p_program != _boundProgram && ProgramName(p_program) != ProgramName(_boundProgram);
     if (needsSwitch && _boundProgram) _boundProgram->Deactivated(Handle());
     _boundProgram = p_program;
+    _routeProgram = dynamic_cast<RouteProgram*>(p_program.get());
     if (!needsSwitch) return;
+    // Changes made while a program was in force reached only the tracker.
+    if (IsFixedFunction()) _stateTracker->SyncFixedFunction();
     if (p_program && p_program->Object())
         UseObject(*p_program->Object());
     else

@@ -6,6 +6,7 @@
 #include "ogl/api/OglApi.h"
 #include "ogl/api/Tokens.h"
 #include "ogl/resources/Texture.h"
+#include "ogl/tgl/StateTracker.h"
 #include "ogl/tgl/TglHotEntries.h"
 
 namespace Tev::Chart::Ogl {
@@ -48,10 +49,17 @@ void Tgl::ClientActiveTexture(unsigned p_unit) {
     _clientActiveTexture = p_unit;
 }
 
-void Tgl::TexEnvi(unsigned p_target, unsigned p_param, int p_value) { _hot->TexEnvi(p_target, p_param, p_value); }
+void Tgl::TexEnvi(unsigned p_target, unsigned p_param, int p_value) {
+    _hot->TexEnvi(p_target, p_param, p_value);
+    if (p_target == Tokens::TGL_TEXTURE_ENV && p_param == Tokens::TGL_TEXTURE_ENV_MODE)
+        _stateTracker->SetTexEnvMode(int(_activeTexture - Tokens::TGL_TEXTURE0), unsigned(p_value));
+}
 
 void Tgl::TexEnvfv(unsigned p_target, unsigned p_param, float const* p_values) {
     _hot->TexEnvfv(p_target, p_param, p_values);
+    if (p_target == Tokens::TGL_TEXTURE_ENV && p_param == Tokens::TGL_TEXTURE_ENV_COLOR)
+        _stateTracker->SetTexEnvColor(int(_activeTexture - Tokens::TGL_TEXTURE0),
+                                      {p_values[0], p_values[1], p_values[2], p_values[3]});
 }
 
 void Tgl::TexGeni(unsigned p_coord, unsigned p_param, int p_value) { _hot->TexGeni(p_coord, p_param, p_value); }

@@ -8,6 +8,7 @@
 #include "ogl/api/Tokens.h"
 #include "ogl/tgl/ColorComponents.h"
 #include "ogl/tgl/PixelRect.h"
+#include "ogl/tgl/StateTracker.h"
 #include "ogl/tgl/TglHotEntries.h"
 
 #include <algorithm>
@@ -125,9 +126,17 @@ void Tgl::ClipPlane(unsigned p_plane, Types::Vector4d const& p_equation) {
     _hot->ClipPlane(p_plane, equation);
 }
 
-void Tgl::Enable(unsigned p_capability) { _hot->Enable(p_capability); }
+// GL keeps its copy in both routes; the tracker keeps the switches the
+// shader route reads (lighting, lights, colour material, 2D texturing).
+void Tgl::Enable(unsigned p_capability) {
+    _hot->Enable(p_capability);
+    _stateTracker->SetCapability(p_capability, true, int(_activeTexture - Tokens::TGL_TEXTURE0));
+}
 
-void Tgl::Disable(unsigned p_capability) { _hot->Disable(p_capability); }
+void Tgl::Disable(unsigned p_capability) {
+    _hot->Disable(p_capability);
+    _stateTracker->SetCapability(p_capability, false, int(_activeTexture - Tokens::TGL_TEXTURE0));
+}
 
 void Tgl::EnableClientState(unsigned p_array) { _hot->EnableClientState(p_array); }
 

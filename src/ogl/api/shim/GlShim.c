@@ -1,5 +1,6 @@
-/* Deliberately empty. This library is built as libOpenGL.so.0 with a single
- * dependency on libOSMesa.so.8; loaded first into the Mesa link-map
- * namespace, it makes libGLU's GL references (which name libOpenGL.so.0)
+/* Deliberately empty. This library is built twice, as libOpenGL.so.0 and
+ * as libGL.so.1, each with a single dependency on libOSMesa.so.8; loaded
+ * first into the Mesa link-map namespace, they make the GL references of
+ * libGLU (which name libOpenGL.so.0) and of libftgl (which name libGL.so.1)
  * resolve to OSMesa there. */
 int tevogl_glshim_marker;

@@ -3,9 +3,12 @@
 // it loads beside them.
 #include "ogl/api/GlImplementation.h"
 
+#include "framework/debug/Debug.h"
 #include "ogl/api/ApiExceptions.h"
 
 #include <windows.h>
+
+#include <mutex>
 
 namespace Tev::Chart::Ogl::Detail {
 
@@ -13,6 +16,7 @@ struct GlImplementation::Handles {
     HMODULE gl = nullptr;
     HMODULE glu = nullptr;
     HMODULE osmesa = nullptr;
+    std::once_flag ftglOnce;
 };
 
 ImplementationFiles ImplementationFiles::System() {
@@ -36,7 +40,7 @@ ImplementationFiles ImplementationFiles::Mesa() {
 }
 
 // DLLs need no namespace: the m prefix keeps Mesa apart.
-std::string DefaultNamespaceShim() { return {}; }
+std::string DefaultNamespaceShim(std::string const&) { return {}; }
 
 namespace {
 
@@ -83,6 +87,14 @@ void* GlImplementation::FindGl(char const* p_symbol) const {
 }
 
 void* GlImplementation::FindGlu(char const* p_symbol) const { return Find(_handles->glu, p_symbol); }
+
+// No FTGL is built for Windows: text reports once that it has no fonts and
+// everything else draws as usual.
+void* GlImplementation::FindFtgl(char const*) const {
+    std::call_once(_handles->ftglOnce,
+                   [] { Debug::derr() << "Texture fonts are unavailable: this build has no FTGL for Windows"; });
+    return nullptr;
+}
 
 void GlImplementation::PrepareThread() const {}
 

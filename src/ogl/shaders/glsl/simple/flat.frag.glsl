@@ -1,0 +1,1 @@
+void main() { gl_FragColor = v_color; }

@@ -1,0 +1,1 @@
+#pragma include("simple/passed.glsl")
