@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <cmath>
 #include <iomanip>
+#include <numbers>
 #include <utility>
 
 namespace Tev::Chart::Ogl {
@@ -268,7 +269,7 @@ void StateTracker::PublishLight(int p_light) {
     _uniforms.Assign(slot(U::SpotDirection), U::Value{direction[0], direction[1], direction[2], 0});
     _uniforms.Assign(slot(U::SpotExponent), light[19]);
     float const cutoff = light[20];
-    _uniforms.Assign(slot(U::SpotCosCutoff), cutoff >= 180.0f ? -1.0f : float(std::cos(cutoff * M_PI / 180.0)));
+    _uniforms.Assign(slot(U::SpotCosCutoff), cutoff >= 180.0f ? -1.0f : float(std::cos(cutoff * std::numbers::pi / 180.0)));
     _uniforms.Assign(slot(U::Attenuation), U::Value{light[21], light[22], light[23], 0});
     _uniforms.Assign(slot(U::LightEnabled), _values.lightEnabled[p_light] ? 1.0f : 0.0f);
 }
