@@ -154,6 +154,16 @@ Vendors VendorFromString(char const* p_vendor) {
     return UNKNOWN;
 }
 
+// The extension lookup finds GL 1.0 entries on GLX and OSMesa, but
+// wglGetProcAddress knows none of them: there they come from the
+// implementation's own library, as the table's direct entries do.
+void* Detail::FindUntabledEntry(OglApi const& p_api, char const* p_symbol) {
+    if (!p_api.ProcAddress) return nullptr;
+    if (void* address = RejectBogusAddress(p_api.ProcAddress(p_symbol))) return address;
+    GlImplementation const& impl = p_api.IsSystem ? GlImplementation::System() : GlImplementation::Mesa();
+    return impl.FindGl(impl.EntryName(p_symbol).c_str());
+}
+
 OglApi::OglApi() : GluVersion(0, 0, 0, "<unknown>") {}
 
 OglApi::OglApi(ApiSystemType) : OglApi(Detail::GlImplementation::System()) {}

@@ -91,8 +91,8 @@ void DumpParams(std::ostream& p_os, std::string const& p_prefix, Table const& p_
 
 StateTracker::StateTracker(OglApi const& p_gl, int p_lights, int p_textureUnits, IsFixedFunctionQuery p_isFixedFunction)
     : _gl(p_gl),
-      _lightfv(reinterpret_cast<LightFv>(p_gl.ProcAddress("glLightfv"))),
-      _lightModelfv(reinterpret_cast<LightModelFv>(p_gl.ProcAddress("glLightModelfv"))),
+      _lightfv(reinterpret_cast<LightFv>(Detail::FindUntabledEntry(p_gl, "glLightfv"))),
+      _lightModelfv(reinterpret_cast<LightModelFv>(Detail::FindUntabledEntry(p_gl, "glLightModelfv"))),
       _lightsLimit(p_lights),
       _textureUnits(p_textureUnits),
       _isFixedFunction(std::move(p_isFixedFunction)) {
