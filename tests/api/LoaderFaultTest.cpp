@@ -21,7 +21,7 @@ using Detail::ImplementationFiles;
 
 ImplementationFiles FaultFiles(bool p_isSystem, std::string const& p_gl = TEVOGL_FAULT_GL,
                                std::string const& p_glu = TEVOGL_FAULT_GL) {
-    return {p_isSystem, p_gl, "libgl1", p_glu, "libglu1-mesa", "tevoglFaultGetProcAddress", false, {}, {}, {}, {}};
+    return {p_isSystem, p_gl, "libgl1", p_glu, "libglu1-mesa", "tevoglFaultGetProcAddress", false, {}, {}, {}, {}, {}, {}};
 }
 
 // The scripting functions of the fault library. It starts as a GL 4.5

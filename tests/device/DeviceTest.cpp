@@ -10,7 +10,7 @@
 #include "ogl/device/NativeHandles.h"
 #include "ogl/device/OsApi.h"
 #include "ogl/device/OsVersion.h"
-#include "ogl/device/glx/ContextGL.h"
+#include "ogl/device/ContextGL.h"
 #include "ogl/device/glx/GlxArbApi.h"
 #include "support/FakeOsApi.h"
 #include "support/Golden.h"

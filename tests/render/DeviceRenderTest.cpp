@@ -6,7 +6,7 @@
 #include "ogl/api/OglApi.h"
 #include "ogl/device/DeviceContext.h"
 #include "ogl/device/NativeHandles.h"
-#include "ogl/device/glx/ContextGL.h"
+#include "ogl/device/ContextGL.h"
 #include "ogl/device/glx/DeviceGLX.h"
 #include "support/LogCapture.h"
 #include "support/ScopedEnv.h"

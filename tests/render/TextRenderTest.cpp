@@ -4,7 +4,7 @@
 // fonts that do not load; and no GL object left once the facade goes.
 #include "framework/assets/MemoryVolume.h"
 #include "ogl/api/OglApi.h"
-#include "ogl/device/glx/ContextGL.h"
+#include "ogl/device/ContextGL.h"
 #include "ogl/device/glx/DeviceGLX.h"
 #include "ogl/device/osmesa/ContextOSMesa.h"
 #include "ogl/device/osmesa/DeviceOSMesa.h"

@@ -58,7 +58,7 @@ std::map<std::string, std::function<void(Side&, Values const&)>> const Plays = {
     {"Normal", EITHER(Normal(v[0], v[1], v[2]), Normal3d(v[0], v[1], v[2]))},
     {"Light", [](Side& s, Values const& v) {  // light 0: position, diffuse colour
          if (s.t) return s.t->Light(GL_LIGHT0, GL_POSITION, Chart::Types::Vector4d(v[0], v[1], v[2], v[3])), s.t->Light(GL_LIGHT0, GL_DIFFUSE, ColorOf(v, 4));
-         auto const lightfv = reinterpret_cast<void(TGL_APIENTRY*)(GLenum, GLenum, GLfloat const*)>(s.gl.ProcAddress("glLightfv"));
+         auto const lightfv = reinterpret_cast<void(TGL_APIENTRY*)(GLenum, GLenum, GLfloat const*)>(Detail::FindUntabledEntry(s.gl, "glLightfv"));
          lightfv(GL_LIGHT0, GL_POSITION, std::array{float(v[0]), float(v[1]), float(v[2]), float(v[3])}.data()), lightfv(GL_LIGHT0, GL_DIFFUSE, Floats(ColorOf(v, 4)).data());
      }},
     {"Material", [](Side& s, Values const& v) {  // ambient, diffuse, specular, emission, shininess

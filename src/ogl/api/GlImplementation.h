@@ -34,6 +34,10 @@ struct TEVOGL_API ImplementationFiles {
     std::string ftglPackage;
     // Mesa only: the libGL.so.1 that FTGL needs, resolving to OSMesa.
     std::string ftglShim;
+    // Windows Mesa: the prefix its every GL, GLU and wgl name carries ("m"),
+    // and the library that exports the OSMesa functions (looked up after gl).
+    std::string prefix;
+    std::string osmesa;
 
     static ImplementationFiles System();
     static ImplementationFiles Mesa();
@@ -57,6 +61,8 @@ public:
     bool IsSystem() const { return _files.isSystem; }
     ImplementationFiles const& Files() const { return _files; }
 
+    // The implementation's own name of a GL, GLU or wgl entry.
+    std::string EntryName(char const* p_symbol) const { return _files.prefix + p_symbol; }
     void* FindGl(char const* p_symbol) const;
     void* FindGlu(char const* p_symbol) const;
     // Opens FTGL on the first call; null, with one report per

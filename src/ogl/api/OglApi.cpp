@@ -31,8 +31,8 @@ struct StringQuery {
     GetStringFn getString;
 
     explicit StringQuery(Detail::GlImplementation const& p_impl)
-        : getError(reinterpret_cast<GetErrorFn>(p_impl.FindGl("glGetError"))),
-          getString(reinterpret_cast<GetStringFn>(p_impl.FindGl("glGetString"))) {
+        : getError(reinterpret_cast<GetErrorFn>(p_impl.FindGl(p_impl.EntryName("glGetError").c_str()))),
+          getString(reinterpret_cast<GetStringFn>(p_impl.FindGl(p_impl.EntryName("glGetString").c_str()))) {
         // Both reports hang on the one test, as the two functions come from
         // the same library.
         ensure(getError && "Unable to retrieve (m)glGetError function.");
@@ -89,25 +89,27 @@ void* RejectBogusAddress(void* p_address) {
 
 // An extension entry the context does not provide is not looked up at all:
 // the lookup may answer with a stub (EntryProviders.cpp).
-void* LookUp(QueryProcAddress const& p_procAddress, Detail::EntryProviders const& p_providers,
-             char const* p_symbol) {
-    return p_providers.Provides(p_symbol) ? RejectBogusAddress(p_procAddress(p_symbol)) : nullptr;
+void* LookUp(QueryProcAddress const& p_procAddress, bool p_provided, char const* p_symbol) {
+    return p_provided ? RejectBogusAddress(p_procAddress(p_symbol)) : nullptr;
 }
 
 void* Resolve(Detail::GlImplementation const& p_impl, QueryProcAddress const& p_procAddress,
               Detail::EntryProviders const& p_providers, EntryKind p_kind, char const* p_symbol) {
+    // Which entries a context provides is known by their GL names.
+    bool const provided = p_providers.Provides(p_symbol);
+    std::string const entry = p_impl.EntryName(p_symbol);
     switch (p_kind) {
         case EntryKind::Direct:
-            if (void* address = p_impl.FindGl(p_symbol)) return address;
-            throw IncompleteOglImpl(p_symbol, ApiFailure::MissingDirect);
+            if (void* address = p_impl.FindGl(entry.c_str())) return address;
+            throw IncompleteOglImpl(entry, ApiFailure::MissingDirect);
         case EntryKind::Glu:
-            if (void* address = p_impl.FindGlu(p_symbol)) return address;
-            throw IncompleteOglImpl(p_symbol, ApiFailure::MissingDirect);
+            if (void* address = p_impl.FindGlu(entry.c_str())) return address;
+            throw IncompleteOglImpl(entry, ApiFailure::MissingDirect);
         case EntryKind::Required:
-            if (void* address = LookUp(p_procAddress, p_providers, p_symbol)) return address;
-            throw IncompleteOglImpl(p_symbol, ApiFailure::MissingExtension);
+            if (void* address = LookUp(p_procAddress, provided, entry.c_str())) return address;
+            throw IncompleteOglImpl(entry, ApiFailure::MissingExtension);
         case EntryKind::Optional:
-            return LookUp(p_procAddress, p_providers, p_symbol);
+            return LookUp(p_procAddress, provided, entry.c_str());
     }
     return nullptr;
 }
@@ -135,7 +137,7 @@ void LogDumps(OglApi const& p_api, Detail::GlImplementation const& p_impl) {
     Debug::dlog() << "GL:\n" << "\tVersion\t:" << p_api.GlVersion << "\n" << "\tVendor\t:" << vendor << "\n"
                   << "\tRenderer\t:" << renderer << "\n" << "\tExtensions\t:" << extensions << "\n";
 
-    auto const gluGetString = reinterpret_cast<GluGetStringFn>(p_impl.FindGlu("gluGetString"));
+    auto const gluGetString = reinterpret_cast<GluGetStringFn>(p_impl.FindGlu(p_impl.EntryName("gluGetString").c_str()));
     Debug::dlog() << "GLU:\n" << "\tVersion\t:" << p_api.GluVersion << "\n"
                   << "\tExtensions\t:" << (gluGetString ? Text(gluGetString(GluExtensions)) : "") << "\n";
 
@@ -150,6 +152,16 @@ Vendors VendorFromString(char const* p_vendor) {
     if (vendor.find("NVIDIA") != std::string_view::npos) return NVIDIA;
     if (vendor.find("ATI") != std::string_view::npos || vendor.find("AMD") != std::string_view::npos) return AMD;
     return UNKNOWN;
+}
+
+// The extension lookup finds GL 1.0 entries on GLX and OSMesa, but
+// wglGetProcAddress knows none of them: there they come from the
+// implementation's own library, as the table's direct entries do.
+void* Detail::FindUntabledEntry(OglApi const& p_api, char const* p_symbol) {
+    if (!p_api.ProcAddress) return nullptr;
+    if (void* address = RejectBogusAddress(p_api.ProcAddress(p_symbol))) return address;
+    GlImplementation const& impl = p_api.IsSystem ? GlImplementation::System() : GlImplementation::Mesa();
+    return impl.FindGl(impl.EntryName(p_symbol).c_str());
 }
 
 OglApi::OglApi() : GluVersion(0, 0, 0, "<unknown>") {}

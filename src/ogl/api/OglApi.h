@@ -48,4 +48,10 @@ struct TEVOGL_API OglApi {
 // The vendor named by a GL_VENDOR string; case-sensitive, NVIDIA first.
 TEVOGL_API Vendors VendorFromString(char const* p_vendor);
 
+namespace Detail {
+// A GL 1.0 entry the table leaves out (glLightfv, say), for the context
+// current on this thread; null for a table built by hand.
+TEVOGL_API void* FindUntabledEntry(OglApi const& p_api, char const* p_symbol);
+}  // namespace Detail
+
 }  // namespace Tev::Chart::Ogl

@@ -1,8 +1,8 @@
 #include "ogl/device/DeviceContext.h"
 
 #include "framework/debug/Debug.h"
-#include "ogl/device/glx/ContextGL.h"
-#include "ogl/device/glx/DeviceGLX.h"
+#include "ogl/device/ContextGL.h"
+#include "ogl/device/SystemDevice.h"
 #include "ogl/device/osmesa/ContextOSMesa.h"
 #include "ogl/device/osmesa/DeviceOSMesa.h"
 
@@ -66,7 +66,7 @@ DeviceContext::DeviceContext(boost::shared_ptr<OsApi> p_osApi, boost::shared_ptr
 boost::shared_ptr<Device> DeviceContext::CreateWindowDevice(DisplayHnd const& p_display, DeviceHandle const& p_window,
                                                             boost::shared_ptr<OsApi> const& p_osApi,
                                                             DeviceFormat const& p_format) {
-    return MakeOnDisplay<DeviceGLX>(p_display, *p_osApi, p_window, p_format);
+    return MakeOnDisplay<SystemDevice>(p_display, *p_osApi, p_window, p_format);
 }
 
 boost::shared_ptr<Device> DeviceContext::CreateOffscreenDevice(DisplayHnd const& p_display, DeviceHandle const& p_parent,
@@ -75,7 +75,7 @@ boost::shared_ptr<Device> DeviceContext::CreateOffscreenDevice(DisplayHnd const&
     ensure(p_size.width > 0 && p_size.height > 0);
     if (IsOSMesa(p_format)) return boost::make_shared<DeviceOSMesa>(Extent(p_size.width), Extent(p_size.height));
     DeviceHandle const parent = p_parent ? p_parent : p_display.Handle();
-    return MakeOnDisplay<DeviceGLX>(p_display, *p_osApi, Extent(p_size.width), Extent(p_size.height), parent, p_format);
+    return MakeOnDisplay<SystemDevice>(p_display, *p_osApi, Extent(p_size.width), Extent(p_size.height), parent, p_format);
 }
 
 }  // namespace Tev::Chart::Ogl

@@ -1,5 +1,6 @@
-// A shared handle to a display: an X display connection, or the marker of
-// the OSMesa display, which has no window system behind it.
+// A shared handle to a display: an X display connection (on Windows, a
+// display device context), or the marker of the OSMesa display, which has no
+// window system behind it.
 #pragma once
 
 #include "ogl/api/Export.h"
@@ -19,9 +20,18 @@ class TEVOGL_API DisplayHnd {
 public:
     // No display.
     DisplayHnd() = default;
+#if defined(_WIN32)
+    // Takes a display device context; DeleteDC releases it when the last
+    // copy of the handle goes.
+    explicit DisplayHnd(DeviceHandle p_owned);
+    // Takes a window's own device context (GetDC; a null window is the
+    // screen), given back with ReleaseDC when the last copy goes.
+    DisplayHnd(WindowHandle p_window, DeviceHandle p_windowDc);
+#else
     // Shares an open X display connection; it is closed when the last copy
     // of the handle goes.
     explicit DisplayHnd(std::shared_ptr<_XDisplay> p_display);
+#endif
 
     // Marks rendering into OSMesa memory buffers.
     static DisplayHnd const OSMesaDisplay;
@@ -31,7 +41,9 @@ public:
     // Windows: pixel formats are enumerated and chosen on it. Null for the
     // OSMesa display and for no display.
     DeviceHandle Handle() const;
+#if !defined(_WIN32)
     _XDisplay* XDisplay() const;
+#endif
     explicit operator bool() const { return _display != nullptr; }
     bool operator==(DisplayHnd const& p_rhs) const;
 
@@ -42,13 +54,16 @@ private:
 };
 
 // The default X display ($DISPLAY), opened for the handle and closed with
-// its last copy; an empty handle when no display can be opened.
+// its last copy; an empty handle when no display can be opened. On Windows,
+// the screen's device context.
 TEVOGL_API DisplayHnd GetRootDisplayHnd();
 // The display of a device, shared with whoever opened it: it must stay open
-// as long as the device.
+// as long as the device. On Windows, a new device context compatible with
+// p_handle.
 TEVOGL_API DisplayHnd GetDisplayHnd(DeviceHandle p_handle);
 // A display to draw into p_window with: the default X display, opened for
-// the handle, when the window exists there; an empty handle otherwise.
+// the handle, when the window exists there; an empty handle otherwise. On
+// Windows, the window's own device context.
 TEVOGL_API DisplayHnd GetDisplayHndFromWnd(WindowHandle p_window);
 
 }  // namespace Tev::Chart::Ogl

@@ -13,7 +13,13 @@
 namespace Tev::Chart::Ogl {
 
 class DisplayHnd;
+#if defined(_WIN32)
+class WglArbApi;
+using ArbApi = WglArbApi;
+#else
 class GlxArbApi;
+using ArbApi = GlxArbApi;
+#endif
 
 struct TEVOGL_API OsApi {
     using GetProcAddressFn = void*(TGL_APIENTRY*)(char const* p_name);
@@ -44,7 +50,7 @@ struct TEVOGL_API OsApi {
 
     // The ARB entries (debug contexts, pbuffers) for a pixel format of a
     // device. For the Mesa table every entry of the result is null.
-    GlxArbApi GetArbApi(int p_pixelFormat, DeviceHandle p_device) const;
+    ArbApi GetArbApi(int p_pixelFormat, DeviceHandle p_device) const;
 
     int IsSystem = 0;
     Utility::VersionNo OsVersion;

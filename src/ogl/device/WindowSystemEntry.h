@@ -14,11 +14,15 @@ namespace Tev::Chart::Ogl::Detail {
 // The function p_symbol of the implementation's GL library, logged as
 // "FUNC: <symbol> = <address>"; throws OSApiIncomplete when it is missing.
 template <typename Fn>
+Fn CheckWindowSystemEntry(void* p_address, char const* p_symbol) {
+    Debug::dlog() << "FUNC: " << p_symbol << " = " << p_address;
+    if (!p_address) throw OSApiIncomplete(p_symbol, ApiFailure::MissingWindowSystem);
+    return reinterpret_cast<Fn>(p_address);
+}
+
+template <typename Fn>
 Fn FetchWindowSystemEntry(GlImplementation const& p_impl, char const* p_symbol) {
-    void* const address = p_impl.FindGl(p_symbol);
-    Debug::dlog() << "FUNC: " << p_symbol << " = " << address;
-    if (!address) throw OSApiIncomplete(p_symbol, ApiFailure::MissingWindowSystem);
-    return reinterpret_cast<Fn>(address);
+    return CheckWindowSystemEntry<Fn>(p_impl.FindGl(p_symbol), p_symbol);
 }
 
 // The same, into a table's member.

@@ -13,7 +13,7 @@ struct TEVOGL_API BufferUsage {
     enum Frequency : std::int32_t { Static = 0, Dynamic = 1, Stream = 2 };
     enum Nature : std::int32_t { Draw = 0, Read = 1, Copy = 2 };
 
-    BufferUsage(Frequency p_frequency, Nature p_nature) : frequency(p_frequency), nature(p_nature) {}
+    constexpr BufferUsage(Frequency p_frequency, Nature p_nature) : frequency(p_frequency), nature(p_nature) {}
     BufferUsage(BufferUsage const&) = default;
     BufferUsage& operator=(BufferUsage const&) = default;
 
@@ -21,13 +21,13 @@ struct TEVOGL_API BufferUsage {
     std::int32_t Index() const { return frequency * 4 | nature; }
     bool operator<(BufferUsage const& p_other) const { return Index() < p_other.Index(); }
 
-    // Static, Draw: written once, drawn many times.
+    // Static, Draw: written once, drawn many times. Defined in the library,
+    // not inline here: a DLL's class cannot define a static member in the
+    // programs that import it.
     static BufferUsage const Default;
 
     Frequency frequency;
     Nature nature;
 };
-
-inline BufferUsage const BufferUsage::Default{BufferUsage::Static, BufferUsage::Draw};
 
 }  // namespace Tev::Chart::Ogl

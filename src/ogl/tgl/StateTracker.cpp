@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <cmath>
 #include <iomanip>
+#include <numbers>
 #include <utility>
 
 namespace Tev::Chart::Ogl {
@@ -90,8 +91,8 @@ void DumpParams(std::ostream& p_os, std::string const& p_prefix, Table const& p_
 
 StateTracker::StateTracker(OglApi const& p_gl, int p_lights, int p_textureUnits, IsFixedFunctionQuery p_isFixedFunction)
     : _gl(p_gl),
-      _lightfv(reinterpret_cast<LightFv>(p_gl.ProcAddress("glLightfv"))),
-      _lightModelfv(reinterpret_cast<LightModelFv>(p_gl.ProcAddress("glLightModelfv"))),
+      _lightfv(reinterpret_cast<LightFv>(Detail::FindUntabledEntry(p_gl, "glLightfv"))),
+      _lightModelfv(reinterpret_cast<LightModelFv>(Detail::FindUntabledEntry(p_gl, "glLightModelfv"))),
       _lightsLimit(p_lights),
       _textureUnits(p_textureUnits),
       _isFixedFunction(std::move(p_isFixedFunction)) {
@@ -268,7 +269,7 @@ void StateTracker::PublishLight(int p_light) {
     _uniforms.Assign(slot(U::SpotDirection), U::Value{direction[0], direction[1], direction[2], 0});
     _uniforms.Assign(slot(U::SpotExponent), light[19]);
     float const cutoff = light[20];
-    _uniforms.Assign(slot(U::SpotCosCutoff), cutoff >= 180.0f ? -1.0f : float(std::cos(cutoff * M_PI / 180.0)));
+    _uniforms.Assign(slot(U::SpotCosCutoff), cutoff >= 180.0f ? -1.0f : float(std::cos(cutoff * std::numbers::pi / 180.0)));
     _uniforms.Assign(slot(U::Attenuation), U::Value{light[21], light[22], light[23], 0});
     _uniforms.Assign(slot(U::LightEnabled), _values.lightEnabled[p_light] ? 1.0f : 0.0f);
 }

@@ -1,5 +1,5 @@
-// A GL context of the window-system table (the system GL through GLX, or
-// the Mesa window emulation), bound to devices of the format it was made
+// A GL context of the window-system table (the system GL through GLX or
+// wgl, or Mesa's window system), bound to devices of the format it was made
 // for.
 #pragma once
 
@@ -17,7 +17,8 @@ class Device;
 class TEVOGL_API ContextGL final : public Context {
 public:
     // A debug context when the device's format asks for diagnostics and
-    // the driver offers glXCreateContextAttribsARB. Throws
+    // the driver offers glXCreateContextAttribsARB
+    // (wglCreateContextAttribsARB). Throws
     // CreateGLContextFailed when the driver gives no context.
     ContextGL(Device const& p_device, OsApi const& p_api, DeviceFormatRequest const& p_request);
     ~ContextGL() override;

@@ -1,11 +1,9 @@
-#include "ogl/device/glx/ContextGL.h"
+#include "ogl/device/ContextGL.h"
 
 #include "framework/debug/Debug.h"
 #include "ogl/device/Device.h"
 #include "ogl/device/OsApi.h"
-#include "ogl/device/glx/GlxArbApi.h"
-
-#include <GL/glx.h>
+#include "ogl/device/SystemDevice.h"
 
 namespace Tev::Chart::Ogl {
 
@@ -22,9 +20,13 @@ ContextGL::ContextGL(Device const& p_device, OsApi const& p_api, DeviceFormatReq
 // before the constructor returns.
 ContextHandle ContextGL::CreateHandle(Device const& p_device) const {
     DeviceHandle const device = p_device.HardwareHandle();
-    GlxArbApi const arb = _api->GetArbApi(int(_format.id), device);
+    ArbApi const arb = _api->GetArbApi(int(_format.id), device);
     if (!arb.CreateContextAttribsARB) return _api->CreateContext(device);
-    int const debug[] = {GLX_CONTEXT_FLAGS_ARB, GLX_CONTEXT_DEBUG_BIT_ARB, 0};
+    // The context flags attribute and its debug bit, the same values in
+    // GLX_ARB_create_context and WGL_ARB_create_context.
+    int const contextFlags = 0x2094;
+    int const debugBit = 0x0001;
+    int const debug[] = {contextFlags, debugBit, 0};
     int const none[] = {0};
     return arb.CreateContextAttribs(device, _format.enableDiagnostics ? debug : none);
 }
