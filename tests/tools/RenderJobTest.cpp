@@ -120,7 +120,9 @@ class RenderJobOnX : public XServerTest {};
 // The system GL on the display, through a GLX pbuffer.
 TEST_F(RenderJobOnX, SystemGlDrawsTheChart) {
     std::string const png = (Scratch / "system.png").string();
-    Result const result = RunJob("--system --size 720x450 --out " + png);
+    // Under LeakSanitizer the system driver's never-freed allocations come
+    // from a module unloaded by exit, which no suppression can name.
+    Result const result = RunJob("--system --size 720x450 --out " + png, "ASAN_OPTIONS=\"$ASAN_OPTIONS:detect_leaks=0\"");
     ASSERT_EQ(result.status, 0) << result.err;
     ExpectChart(ReadPng(png), ChartLayout(Width, Height));
 }
