@@ -18,6 +18,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
+#include <functional>
 #include <stdexcept>
 
 namespace TevOglRender {
@@ -39,6 +40,7 @@ QColor ToQColor(Rgb const& p_rgb) { return QColor(p_rgb[0], p_rgb[1], p_rgb[2]);
 
 Types::Viewport ToViewport(Rect const& p_rect) { return Types::Viewport(p_rect.x, p_rect.y, p_rect.width, p_rect.height); }
 
+double XTickValue(int p_i) { return XMin + (XMax - XMin) * p_i / XTicks; }
 double YTickValue(int p_i) { return YMin + (YMax - YMin) * p_i / YTicks; }
 
 std::string Label(double p_value) {
@@ -137,13 +139,30 @@ void ChartScene::DrawPlot() {
 // covering the axes.
 void ChartScene::DrawData() {
     Rect const& plot = _layout.plot;
+    Clipped(Types::Viewport(plot.x + 1, plot.y + 1, plot.width - 1, plot.height - 1), [this] {
+        DrawSeries();
+        DrawScatter();
+    });
+}
+
+// p_draw with the scissor stack narrowed to p_clip and the test on.
+void ChartScene::Clipped(Types::Viewport const& p_clip, std::function<void()> const& p_draw) {
     Token const state = _tgl.PushAttribScope(TGL_SCISSOR_BIT | TGL_ENABLE_BIT);
     _tgl.PushScissor();
-    _tgl.Scissor(Types::Viewport(plot.x + 1, plot.y + 1, plot.width - 1, plot.height - 1));
+    _tgl.Scissor(p_clip);
     _tgl.Enable(TGL_SCISSOR_TEST);
-    DrawSeries();
-    DrawScatter();
+    p_draw();
     _tgl.PopScissor();
+}
+
+// The pixel column and row of tick p_i; the last tick moves one pixel in,
+// onto the plot's last column or row.
+int ChartScene::XTickPixel(int p_i) const {
+    return int(std::lround(_layout.ToPixel({XTickValue(p_i), YMin}).x)) - (p_i == XTicks);
+}
+
+int ChartScene::YTickPixel(int p_i) const {
+    return int(std::lround(_layout.ToPixel({XMin, YTickValue(p_i)}).y)) - (p_i == YTicks);
 }
 
 void ChartScene::DrawGrid() {
@@ -152,12 +171,10 @@ void ChartScene::DrawGrid() {
     _tgl.Color(ToQColor(Colors::Grid));
     _tgl.Begin(TGL_LINES);
     for (int i = 1; i <= XTicks; ++i) {
-        int const x = int(std::lround(_layout.ToPixel({XMin + (XMax - XMin) * i / XTicks, YMin}).x)) - (i == XTicks);
-        _tgl.Pixel(x, plot.y, GridZ), _tgl.Pixel(x, plot.Top() - 1, GridZ);
+        _tgl.Pixel(XTickPixel(i), plot.y, GridZ), _tgl.Pixel(XTickPixel(i), plot.Top() - 1, GridZ);
     }
     for (int i = 1; i <= YTicks; ++i) {
-        int const y = int(std::lround(_layout.ToPixel({XMin, YTickValue(i)}).y)) - (i == YTicks);
-        _tgl.Pixel(plot.x, y, GridZ), _tgl.Pixel(plot.Right() - 1, y, GridZ);
+        _tgl.Pixel(plot.x, YTickPixel(i), GridZ), _tgl.Pixel(plot.Right() - 1, YTickPixel(i), GridZ);
     }
     _tgl.End();
 }
@@ -171,16 +188,14 @@ void ChartScene::DrawAxes() {
     _tgl.Begin(TGL_LINES);
     _tgl.Pixel(plot.x - 5, plot.y, AxesZ), _tgl.Pixel(plot.Right(), plot.y, AxesZ);
     for (int i = 0; i <= XTicks; ++i) {
-        int const x = int(std::lround(_layout.ToPixel({XMin + (XMax - XMin) * i / XTicks, YMin}).x)) - (i == XTicks);
-        _tgl.Pixel(x, plot.y - 5, AxesZ), _tgl.Pixel(x, plot.y, AxesZ);
+        _tgl.Pixel(XTickPixel(i), plot.y - 5, AxesZ), _tgl.Pixel(XTickPixel(i), plot.y, AxesZ);
     }
     _tgl.End();
     SubName(2);
     _tgl.Begin(TGL_LINES);
     _tgl.Pixel(plot.x, plot.y - 5, AxesZ), _tgl.Pixel(plot.x, plot.Top(), AxesZ);
     for (int i = 0; i <= YTicks; ++i) {
-        int const y = int(std::lround(_layout.ToPixel({XMin, YTickValue(i)}).y)) - (i == YTicks);
-        _tgl.Pixel(plot.x - 5, y, AxesZ), _tgl.Pixel(plot.x, y, AxesZ);
+        _tgl.Pixel(plot.x - 5, YTickPixel(i), AxesZ), _tgl.Pixel(plot.x, YTickPixel(i), AxesZ);
     }
     _tgl.End();
 }
@@ -191,8 +206,8 @@ void ChartScene::DrawTickLabels() {
     _tgl.Color(ToQColor(Colors::Axis));
     std::uint32_t label = 0;
     for (int i = 0; i <= XTicks; ++i) {
-        std::string const text = Label(XMin + (XMax - XMin) * i / XTicks);
-        glm::dvec2 const tick = _layout.ToPixel({XMin + (XMax - XMin) * i / XTicks, YMin});
+        std::string const text = Label(XTickValue(i));
+        glm::dvec2 const tick = _layout.ToPixel({XTickValue(i), YMin});
         SubName(++label);
         _font->Render(text, {std::round(tick.x - _font->Advance(text) / 2), tick.y - 8 - FontPixels, LabelZ});
     }
@@ -234,11 +249,11 @@ void ChartScene::DrawScatter() {
 // plot and is cut there.
 void ChartScene::DrawLegend() {
     Name(Legend);
+    Clipped(ToViewport(_layout.plot), [this] { DrawLegendBox(); });
+}
+
+void ChartScene::DrawLegendBox() {
     Rect const& box = _layout.legend;
-    Token const state = _tgl.PushAttribScope(TGL_SCISSOR_BIT | TGL_ENABLE_BIT);
-    _tgl.PushScissor();
-    _tgl.Scissor(ToViewport(_layout.plot));
-    _tgl.Enable(TGL_SCISSOR_TEST);
     _tgl.Color(ToQColor(Colors::LegendFill));
     _tgl.Begin(TGL_QUADS);
     _tgl.Pixel(box.x, box.y, LegendZ), _tgl.Pixel(box.Right(), box.y, LegendZ);
@@ -250,7 +265,6 @@ void ChartScene::DrawLegend() {
     _tgl.Pixel(box.Right() - 1, box.Top() - 1, LegendZ), _tgl.Pixel(box.x, box.Top() - 1, LegendZ);
     _tgl.End();
     DrawLegendEntries();
-    _tgl.PopScissor();
 }
 
 // One row per data set: a swatch in its colour, then its text.

@@ -7,11 +7,13 @@
 #include "ChartLayout.h"
 #include "Options.h"
 
+#include "framework/types/Viewport.h"
 #include "ogl/picking/HitRecord.h"
 
 #include <boost/shared_ptr.hpp>
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -60,9 +62,13 @@ private:
     void DrawSeries();
     void DrawScatter();
     void DrawLegend();
+    void DrawLegendBox();
     void DrawLegendEntries();
     void DrawSurface();
     void SetUpLights();
+    void Clipped(Tev::Chart::Types::Viewport const& p_clip, std::function<void()> const& p_draw);
+    int XTickPixel(int p_i) const;
+    int YTickPixel(int p_i) const;
 
     // The route's program for the facade's own drawing, until the token
     // goes; nothing in the fixed-function route.
